@@ -1,0 +1,25 @@
+// Where the parser's stream forms pull lines from: the FTP transport's data stream or the
+// database-side file reader. The parser knows nothing about transports beyond this.
+#ifndef PELICOR_PARSER_LINE_SOURCE_H_
+#define PELICOR_PARSER_LINE_SOURCE_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace parser {
+
+class LineSource {
+ public:
+  virtual ~LineSource() = default;
+  // Opens `name` for reading from byte `offset`; false when it cannot be opened.
+  virtual bool OpenLines(const std::string& name, std::uint64_t offset) = 0;
+  // The next line, ending in one "\n", in *line; false at the end of the data. The text stays
+  // valid until the next call.
+  virtual bool ReadNextLine(std::string_view* line) = 0;
+  virtual void CloseLines() = 0;
+};
+
+}  // namespace parser
+
+#endif  // PELICOR_PARSER_LINE_SOURCE_H_
