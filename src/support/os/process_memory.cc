@@ -1,8 +1,9 @@
 #include "support/os/process_memory.h"
 
 #ifdef _WIN32
-#include <psapi.h>
 #include <windows.h>
+// psapi.h needs the types of windows.h first.
+#include <psapi.h>
 #else
 #include <cstdio>
 #include <cstring>
