@@ -16,7 +16,7 @@ namespace support {
 
 // Turns a trace file name into its XML name in place: the three characters after the FIRST dot
 // become "xml", nothing else changes ("ora_00123.trc" -> "ora_00123.xml", "a.trc.bak" ->
-// "a.xml.bak", "my.db_ora_1.trc" -> "my.xml_ora_1.trc").
+// "a.xml.bak", "my.db_ora_1.trc" -> "my.xmlora_1.trc").
 //
 // Throws when `name` contains neither ".trc" nor ".TRC" (case-sensitive; ".Trc" does not count).
 // Since one of those must be present, the first dot always has three characters after it; were
