@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 using nfs_test::ScratchDir;
 
 constexpr std::uint64_t kGiB = 1024ull * 1024 * 1024;
+constexpr const char* kListing = "NfsTraceFileList.txt";
 
 // The four texts of a raised exception, "file|class|method|message"; "" when nothing was raised.
 template <typename Call>
@@ -34,9 +35,7 @@ class NfsListing : public ::testing::Test {
     manager_.SetConnectInfo(udump_.str().c_str());
     manager_.SetLocalDirectory(work_.str());
   }
-  std::string Listing() const {
-    return nfs_test::ReadWholeFile(work_.path() / "NfsTraceFileList.txt");
-  }
+  std::string Listing() const { return nfs_test::ReadWholeFile(work_.path() / kListing); }
 
   ScratchDir udump_;
   ScratchDir work_;
@@ -108,13 +107,13 @@ TEST_F(NfsListing, FailsOnAMissingSettingOrAnUnwritableListing) {
             "NfsManager|NfsManger::GetTraceFileList|fopen|NFS failed to get remote file listing!");
 }
 
+// The name is the one left in the output, also after a failure; "" raised means success.
 struct PidCase {
   const char* what;
   std::vector<std::pair<const char*, std::uint64_t>> files;
-  const char* pid;
-  const char* name;    // the name left in the output, also after a failure
-  std::uint32_t size;  // when nothing is raised
-  const char* raised;  // "" when the lookup succeeds
+  const char *pid, *name;
+  std::uint32_t size;
+  const char* raised;
 };
 
 constexpr const char* kNoMatch =
@@ -148,7 +147,6 @@ TEST(NfsTraceFileFromPid, PicksTheSessionsFileAmongCandidates) {
        kTwoMatch},
       {"long pid, several", {{"a_123456.trc", 1}, {"b_123456.trc", 2}}, "123456", "b_123456.trc",
        0, kLongPid},
-      {"long pid, one", {{"a_123456.trc", 6}}, "123456", "a_123456.trc", 6, ""},
       {"nothing found", {{"ora_99.trc", 1}}, "12", "", 0, kNotFound},
   };
   // clang-format on

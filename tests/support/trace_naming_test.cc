@@ -8,34 +8,29 @@
 
 namespace {
 
-TEST(ConvertFilename, OverwritesTheThreeCharactersAfterTheFirstDot) {
-  const struct {
-    const char* in;
-    const char* out;
-  } cases[] = {
-      {"ora_00123.trc", "ora_00123.xml"},
-      {"ORA_1.TRC", "ORA_1.xml"},
-      {"a.trc.bak", "a.xml.bak"},
-      {"my.db_ora_1.trc", "my.xmlora_1.trc"},
-      {".trc", ".xml"},
-      {"C:\\udump\\orcl_ora_42.trc", "C:\\udump\\orcl_ora_42.xml"},
-      {"x.Trc.trc", "x.xml.trc"},
-  };
-  for (const auto& c : cases) {
-    std::string name = c.in;
-    support::ConvertFilename(name);
-    EXPECT_EQ(name, c.out) << c.in;
-  }
+std::string Texts(const exceptions::ExceptionBase& e) {
+  return e.File() + "|" + e.ClassName() + "|" + e.Method() + "|" + e.Message();
 }
 
-TEST(ConvertFilename, RefusesNamesWithoutTrcAndLeavesThemAlone) {
+TEST(ConvertFilename, OverwritesTheThreeCharactersAfterTheFirstDot) {
+  // clang-format off
+  const char* cases[][2] = {
+      {"ora_00123.trc", "ora_00123.xml"}, {"ORA_1.TRC", "ORA_1.xml"}, {"a.trc.bak", "a.xml.bak"},
+      {"my.db_ora_1.trc", "my.xmlora_1.trc"}, {".trc", ".xml"}, {"x.Trc.trc", "x.xml.trc"},
+      {"C:\\udump\\orcl_ora_42.trc", "C:\\udump\\orcl_ora_42.xml"}};
+  // clang-format on
+  for (const auto& c : cases) {
+    std::string name = c[0];
+    support::ConvertFilename(name);
+    EXPECT_EQ(name, c[1]) << c[0];
+  }
   for (const char* in : {"trace.log", "ora_1.Trc", "", "ora_1trc"}) {
     std::string name = in;
     try {
       support::ConvertFilename(name);
       ADD_FAILURE() << in;
     } catch (const exceptions::ExceptionBase& e) {
-      EXPECT_EQ(e.File() + "|" + e.ClassName() + "|" + e.Method() + "|" + e.Message(),
+      EXPECT_EQ(Texts(e),
                 "Pelicor|ConvertFilename|ConvertFilename|Filename does not contain '.trc' !");
     }
     EXPECT_EQ(name, in);
@@ -43,17 +38,13 @@ TEST(ConvertFilename, RefusesNamesWithoutTrcAndLeavesThemAlone) {
 }
 
 TEST(ConvertPID2TraceFilename, PadsToFiveAndRefusesLongerPids) {
-  const struct {
-    const char* pid;
-    const char* out;
-  } cases[] = {
-      {"123", "00123"}, {"12345", "12345"}, {"", "00000"}, {"12a", "0012a"}, {"7", "00007"}};
-  for (const auto& c : cases) EXPECT_EQ(support::ConvertPID2TraceFilename(c.pid), c.out) << c.pid;
+  const char* cases[][2] = {{"123", "00123"}, {"12345", "12345"}, {"", "00000"}, {"12a", "0012a"}};
+  for (const auto& c : cases) EXPECT_EQ(support::ConvertPID2TraceFilename(c[0]), c[1]) << c[0];
   try {
     support::ConvertPID2TraceFilename("123456");
     ADD_FAILURE();
   } catch (const exceptions::ExceptionBase& e) {
-    EXPECT_EQ(e.File() + "|" + e.ClassName() + "|" + e.Method() + "|" + e.Message(),
+    EXPECT_EQ(Texts(e),
               "Pelicor|ConvertPID2TraceFilename|ConvertPID2TraceFilename|The digits of PID is more "
               "than 5, which is not supported by this version!");
   }
