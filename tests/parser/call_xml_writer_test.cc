@@ -10,7 +10,6 @@ namespace {
 
 using parser::DocumentContext;
 using parser::StatementList;
-using writer_test::ReadFile;
 using writer_test::ScratchDir;
 
 constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
@@ -75,17 +74,14 @@ DocumentContext Context(const ScratchDir& dir) {
   DocumentContext context;
   context.session_timestamp = "2004-05-07 11:26:57.634\n";
   context.first_cursor_time = 1000;
-  context.output_directory = dir.path().string() + "/";
+  context.output_directory = dir.path.string() + "/";
   return context;
 }
 
 std::string WriteAndRead(const StatementList& closed, const DocumentContext& context,
                          const ScratchDir& dir) {
   parser::WriteCallXml(closed, context, "ora_1234.trc");
-  const std::string document = ReadFile(dir.path() / "ora_1234.xml");
-  std::string error;
-  EXPECT_TRUE(writer_test::IsWellFormed(document, &error)) << error;
-  return document;
+  return writer_test::ReadXml(dir.path / "ora_1234.xml");
 }
 
 TEST(CallXmlWriter, WritesEveryCallOfEveryStatement) {

@@ -38,20 +38,6 @@ TEST(OutputSink, FileGetsLineEndsTranslatedAcrossBufferRefills) {
   EXPECT_EQ(writer_test::ReadFile(path), expected);
 }
 
-TEST(OutputSink, NativeLineEndsFollowThePlatform) {
-  writer_test::ScratchDir dir;
-  const std::string path = dir.File("native.txt");
-  OutputSink out;
-  ASSERT_TRUE(out.OpenFile(path));
-  out.Write("a\nb\n");
-  out.Close();
-#ifdef _WIN32
-  EXPECT_EQ(writer_test::ReadFile(path), "a\r\nb\r\n");
-#else
-  EXPECT_EQ(writer_test::ReadFile(path), "a\nb\n");
-#endif
-}
-
 TEST(OutputSink, FileThatCannotBeCreatedIsReported) {
   writer_test::ScratchDir dir;
   OutputSink out;

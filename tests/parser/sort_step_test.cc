@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "parser/text_report.h"
 #include "parser/wait_classes.h"
 #include "writer_fixtures.h"
 
@@ -68,32 +65,16 @@ TEST(SortStep, AddsIntoSortTotalsWithoutClearingAndIgnoresLargeKeys) {
   EXPECT_EQ(unsorted.front()->totals[parser::kSortTotals].count, 0);
 }
 
-TEST(TextReport, EmptyListEndsAfterTheSortOptionsLine) {
-  StatementList empty;
-  parser::DocumentContext context;
-  std::ostringstream report;
-  parser::WriteTextReport(empty, context, report);
-  const std::string tail = std::string(80, '*') + "\n\nSort options: \n";
-  const std::string text = report.str();
-  ASSERT_GE(text.size(), tail.size());
-  EXPECT_EQ(text.substr(text.size() - tail.size()), tail);
-}
-
 TEST(WaitClasses, WholeNameIgnoringAsciiCase) {
   const struct {
     const char* name;
     parser::WaitClass wait_class;
   } cases[] = {
-      {"SQL*Net message from client", parser::kNetwork},
-      {"db file sequential read", parser::kIo},
       {"DB FILE SCATTERED READ", parser::kIo},
       {"buffer busy waits", parser::kBuffer},
       {"buffer latch", parser::kLatch},
-      {"LATCH FREE", parser::kLatch},
       {"latch free ", parser::kOther},
-      {"enqueue", parser::kOther},
       {"", parser::kOther},
-      {"write complete waits", parser::kIo},
       {"wait for recovery domain latch in kjpr", parser::kLatch},
       {"scginq ast call", parser::kLock},
   };

@@ -1,5 +1,6 @@
 #include "writer_fixtures.h"
 
+#include <gtest/gtest.h>
 #include <pugixml.hpp>
 
 #include <fstream>
@@ -17,25 +18,25 @@ std::string ReadFile(const std::filesystem::path& path) {
   return content.str();
 }
 
-bool IsWellFormed(const std::string& document, std::string* error) {
+std::string ReadXml(const std::filesystem::path& path) {
+  const std::string document = ReadFile(path);
   pugi::xml_document parsed;
   const pugi::xml_parse_result result = parsed.load_buffer(document.data(), document.size());
-  if (!result) *error = std::string(result.description()) + " at " + std::to_string(result.offset);
-  return static_cast<bool>(result);
+  EXPECT_TRUE(result) << path << ": " << result.description() << " at " << result.offset;
+  return document;
 }
 
+// ctest runs the cases as separate processes, possibly at once: a random name keeps them apart.
 ScratchDir::ScratchDir() {
-  // ctest runs the cases as separate processes, possibly at once: a random name keeps them apart.
   std::random_device random;
-  path_ = std::filesystem::temp_directory_path() /
-          ("pelicor_writers_" + std::to_string(random()) + std::to_string(random()));
-  std::filesystem::remove_all(path_);
-  std::filesystem::create_directories(path_);
+  path = std::filesystem::temp_directory_path() /
+         ("pelicor_writers_" + std::to_string(random()) + std::to_string(random()));
+  std::filesystem::create_directories(path);
 }
 
 ScratchDir::~ScratchDir() {
   std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
+  std::filesystem::remove_all(path, ignored);
 }
 
 namespace {

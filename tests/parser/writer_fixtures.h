@@ -1,5 +1,4 @@
-// Statements built in memory the way the parser files them, and a scratch directory, for the
-// writer tests.
+// Statements built in memory as the parser files them, and a scratch directory.
 #ifndef PELICOR_TESTS_PARSER_WRITER_FIXTURES_H_
 #define PELICOR_TESTS_PARSER_WRITER_FIXTURES_H_
 
@@ -11,40 +10,29 @@
 
 namespace writer_test {
 
-using parser::TraceStatement;
-
-// The file's whole content, bytes as they are.
 std::string ReadFile(const std::filesystem::path& path);
+// Reads the file and checks with pugixml that it is well-formed XML.
+std::string ReadXml(const std::filesystem::path& path);
 
-// True when pugixml reads `document` without error; `error` gets its description otherwise.
-bool IsWellFormed(const std::string& document, std::string* error);
-
-// A fresh empty directory under the system's temporary directory, removed again at the end.
-class ScratchDir {
- public:
+// A fresh directory, removed at the end.
+struct ScratchDir {
   ScratchDir();
   ~ScratchDir();
-  const std::filesystem::path& path() const { return path_; }
-  // The path of `name` in the directory, as a string.
-  std::string File(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
+  std::string File(const std::string& name) const { return (path / name).string(); }
+  std::filesystem::path path;
 };
 
-// Statements that cover every section of the documents:
-//  1. cursor 1, dep 0: a parse, a bind, an exec, a fetch with every field missing, two STAT
-//     rows, four waits; SQL with "<", "&" and "]]>", an address and values that need escaping.
-//  2. a recursive statement (dep 1) reopened under cursor 7, its header still saying cursor 2;
-//     no calls.
-//  3. a parse error on cursor 3.
-//  4. cursor 140736410372616 (an 11.2.0.2 address), one exec.
+// 1. cursor 1, dep 0: a parse, a bind, an exec, a fetch with every field missing, two STAT
+//    rows, four waits; "<", "&", '"' and "]]>" where they need escaping or splitting.
+// 2. a recursive statement reopened under cursor 7, its header still saying cursor 2; no calls.
+// 3. a parse error on cursor 3.
+// 4. cursor 140736410372616 (an 11.2.0.2 address) with one exec.
 parser::StatementList SampleStatements();
 
-// A statement with the given SQL text and, per kind, one call carrying `value` in every
-// counter, so that its totals are easy to tell apart.
-std::unique_ptr<TraceStatement> StatementWithTotals(const std::string& sql, std::int64_t parse,
-                                                    std::int64_t exec, std::int64_t fetch);
+// One parse, exec and fetch call carrying the given value in each counter (and mis).
+std::unique_ptr<parser::TraceStatement> StatementWithTotals(const std::string& sql,
+                                                            std::int64_t parse, std::int64_t exec,
+                                                            std::int64_t fetch);
 
 }  // namespace writer_test
 
