@@ -13,9 +13,9 @@ char* FormatDecimal(char* out, std::uint64_t value) {
   return std::to_chars(out, out + kMaxDecimalChars, value).ptr;
 }
 
-// std::to_chars in fixed form with a precision is specified to give printf's "%.*f" text in the C
-// locale, correctly rounded (ties to even on the exact binary value, as glibc's printf), "inf"
-// and "nan" included.
+// The C++ standard makes std::to_chars in fixed form with a precision write what printf's "%.*f"
+// writes in the C locale: correctly rounded on the exact binary value (a true tie goes to even,
+// as in glibc's printf), "inf" and "nan" included.
 char* FormatFixed2(char* out, double value) {
   return std::to_chars(out, out + kMaxFixed2Chars, value, std::chars_format::fixed, 2).ptr;
 }
