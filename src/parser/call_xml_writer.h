@@ -1,0 +1,36 @@
+// The call-by-call document: every statement of the closed list with its cursor header and each
+// of its PARSE, EXEC and FETCH calls, binds, STAT rows and waits, as the trace had them.
+//
+//   <?xml version="1.0" encoding="UTF-8"?><STATEMENTS tim="..." FirstParseInCursorTim="...">
+//   <STATEMENT>
+//   <CURSORNO cursor="1"></CURSORNO>
+//   <SQL><![CDATA[select ...
+//   ]]></SQL><PARSEINCURSOR cursor="1" len="32" ...></PARSEINCURSOR>
+//   <PARSE>
+//   <PARSEDATA c="0" e="2" ...></PARSEDATA>
+//   ...
+//
+// The writer reads the statements only, so it can run after each batch of a batch parse.
+#ifndef PELICOR_PARSER_CALL_XML_WRITER_H_
+#define PELICOR_PARSER_CALL_XML_WRITER_H_
+
+#include <string>
+
+#include "parser/document_context.h"
+#include "parser/output_sink.h"
+#include "parser/trace_statement.h"
+
+namespace parser {
+
+// Writes the document for `file_name` to CallXmlPath(file_name, context.output_directory),
+// replacing a file of that name. Throws exceptions::ExceptionBase ("Trace parser failed to
+// create output XML file!") when it cannot be created; write errors are ignored.
+void WriteCallXml(const StatementList& closed, const DocumentContext& context,
+                  std::string file_name);
+
+// The document itself, into `out`.
+void WriteCallXml(const StatementList& closed, const DocumentContext& context, OutputSink& out);
+
+}  // namespace parser
+
+#endif  // PELICOR_PARSER_CALL_XML_WRITER_H_

@@ -1,0 +1,110 @@
+// The one buffered writer that every document and report of the parser goes through. It collects
+// output in one large buffer and hands it on in big blocks, either to a file that it opens (and
+// owns) or to a caller's std::ostream.
+//
+// Line ends: the writers put "\n". A file is written the way a text-mode file is on its
+// platform: on Windows each "\n" leaves as "\r\n", elsewhere as it is. A caller's stream gets the
+// bytes unchanged (a text-mode stream such as std::cout does its own translation).
+//
+// Write errors are not reported while writing (the documents ignore them); Close() tells whether
+// everything reached its target.
+#ifndef PELICOR_PARSER_OUTPUT_SINK_H_
+#define PELICOR_PARSER_OUTPUT_SINK_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "parser/number_format.h"
+
+namespace parser {
+
+enum class LineEnds {
+  kAsWritten,  // "\n" stays "\n"
+  kCrLf,       // "\n" leaves as "\r\n"
+#ifdef _WIN32
+  kNative = kCrLf,
+#else
+  kNative = kAsWritten,
+#endif
+};
+
+class OutputSink {
+ public:
+  // Not connected to anything until OpenFile(); writes before it are dropped.
+  OutputSink();
+  // Writes to `stream`, which must outlive the sink (or its Close()).
+  explicit OutputSink(std::ostream& stream, LineEnds line_ends = LineEnds::kAsWritten);
+  OutputSink(const OutputSink&) = delete;
+  OutputSink& operator=(const OutputSink&) = delete;
+  // Flushes and closes the file, if one is open; errors are dropped here, call Close() to see them.
+  ~OutputSink();
+
+  // Creates `path`, replacing a file of that name; false when it cannot be created.
+  bool OpenFile(const std::string& path, LineEnds line_ends = LineEnds::kNative);
+  // Hands on what is buffered.
+  void Flush();
+  // Flushes and closes an owned file; returns false when any write or the close failed.
+  bool Close();
+
+  void Write(std::string_view text) {
+    if (text.size() <= kCapacity - used_) {
+      std::memcpy(buffer_.get() + used_, text.data(), text.size());
+      used_ += text.size();
+    } else {
+      WriteLarge(text);
+    }
+  }
+  void Put(char c) {
+    if (used_ == kCapacity) Flush();
+    buffer_[used_++] = c;
+  }
+  // %d and %I64d.
+  void WriteInt(std::int64_t value) { Commit(FormatDecimal(Room(kMaxDecimalChars), value)); }
+  void WriteUnsigned(std::uint64_t value) { Commit(FormatDecimal(Room(kMaxDecimalChars), value)); }
+  // %.2f.
+  void WriteFixed2(double value) { Commit(FormatFixed2(Room(kMaxFixed2Chars), value)); }
+  // "%<width>I64d" and "%<width>.2lf".
+  void WriteInt(std::int64_t value, std::size_t width);
+  void WriteFixed2(double value, std::size_t width);
+
+  // `text` with '&', '<', '>' and '"' replaced by their entities, each '&' once.
+  void WriteXmlEscaped(std::string_view text);
+  // `text` inside a CDATA section. A "]]>" in it would end the section early, so the section is
+  // closed after its "]]" and a new one opened for the ">": the text reads back unchanged.
+  void WriteCdata(std::string_view text);
+
+ private:
+  static constexpr std::size_t kCapacity = std::size_t{1} << 18;
+
+  // At least `size` free bytes at the end of the buffer.
+  char* Room(std::size_t size) {
+    if (kCapacity - used_ < size) Flush();
+    return buffer_.get() + used_;
+  }
+  void Commit(char* end) { used_ = static_cast<std::size_t>(end - buffer_.get()); }
+  void WriteLarge(std::string_view text);
+  void Deliver(std::string_view bytes);
+  void DeliverCrLf(std::string_view bytes);
+
+  struct FileCloser {
+    void operator()(std::FILE* file) const;
+  };
+
+  std::unique_ptr<char[]> buffer_;
+  std::size_t used_ = 0;
+  std::string escape_scratch_;  // reused, so escaping allocates only while it grows
+  std::unique_ptr<std::FILE, FileCloser> file_;
+  std::ostream* stream_ = nullptr;
+  LineEnds line_ends_ = LineEnds::kAsWritten;
+  bool failed_ = false;
+};
+
+}  // namespace parser
+
+#endif  // PELICOR_PARSER_OUTPUT_SINK_H_

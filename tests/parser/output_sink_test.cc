@@ -1,0 +1,69 @@
+#include "parser/output_sink.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "writer_fixtures.h"
+
+namespace {
+
+using parser::LineEnds;
+using parser::OutputSink;
+
+TEST(OutputSink, FileGetsLineEndsTranslatedAcrossBufferRefills) {
+  writer_test::ScratchDir dir;
+  const std::string path = dir.File("out.xml");
+  { std::ofstream(path) << std::string(5000000, 'z'); }  // replaced, not appended to
+  std::string written;
+  std::string expected;
+  {
+    OutputSink out;
+    ASSERT_TRUE(out.OpenFile(path, LineEnds::kCrLf));
+    // Lines of many lengths, so that some "\n" fall on the edge of a buffer refill, and one
+    // piece larger than the buffer.
+    for (int i = 0; i < 40000; ++i) {
+      const std::string line = std::string(static_cast<std::size_t>(i % 23), 'a') + "\n";
+      out.Write(line);
+      expected += std::string(static_cast<std::size_t>(i % 23), 'a') + "\r\n";
+    }
+    const std::string large = std::string(700000, 'b') + "\n\n";
+    out.Write(large);
+    expected += std::string(700000, 'b') + "\r\n\r\n";
+    out.WriteInt(-42);
+    expected += "-42";
+    EXPECT_TRUE(out.Close());
+  }
+  EXPECT_EQ(writer_test::ReadFile(path), expected);
+}
+
+TEST(OutputSink, FileThatCannotBeCreatedIsReported) {
+  writer_test::ScratchDir dir;
+  OutputSink out;
+  EXPECT_FALSE(out.OpenFile(dir.File("missing/out.xml")));
+}
+
+TEST(OutputSink, StreamGetsNumbersEscapesAndCdata) {
+  std::ostringstream stream;
+  {
+    OutputSink out(stream);
+    out.WriteFixed2(2.675);
+    out.Put(' ');
+    out.WriteInt(-7, 6);
+    out.WriteFixed2(0.125, 8);
+    out.Put(' ');
+    out.WriteUnsigned(18446744073709551615u);
+    out.Put('|');
+    out.WriteXmlEscaped("a&&b<c>\"d\"'e");
+    out.Put('|');
+    out.WriteCdata("x]]>y]]]>z]]");
+    out.Put('|');
+    out.WriteCdata("");
+  }
+  EXPECT_EQ(stream.str(),
+            "2.67     -7    0.12 18446744073709551615|a&amp;&amp;b&lt;c&gt;&quot;d&quot;'e|"
+            "<![CDATA[x]]]]><![CDATA[>y]]]]]><![CDATA[>z]]]]>|<![CDATA[]]>");
+}
+
+}  // namespace
