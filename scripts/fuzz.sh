@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang and runs each for the given number of seconds
-# (default 30), starting from the seed corpus in fuzz/corpus/<target>.
+# (default 30), starting from the corpus in fuzz/corpus/<target>.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-30}
