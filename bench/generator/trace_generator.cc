@@ -108,7 +108,7 @@ void Session::Header() {
 
 void Session::Step() {
   const int cursor = 1 + static_cast<int>(random_.Below(options_.cursor_slots));
-  if (At(cursor).sql == nullptr || random_.Percent(35)) {
+  if (At(cursor).sql == nullptr || random_.Percent(options_.reopen_percent)) {
     CloseCursor(cursor);
     if (random_.Percent(options_.recursive_percent)) Recursive();
     const auto pick = static_cast<std::size_t>(random_.Below(kApplicationSql.size()));

@@ -19,6 +19,7 @@ struct GeneratorOptions {
   std::uint64_t target_bytes = 1 << 20;  // writing stops at the first statement boundary past it
   std::uint64_t random_state = 0x9e3779b97f4a7c15ULL;
   int cursor_slots = 6;        // top-level cursor numbers 1..cursor_slots
+  int reopen_percent = 12;     // chance that a step closes its cursor and opens a new one
   int recursive_percent = 25;  // chance that a new statement brings a recursive query
   int long_sql_percent = 1;    // chance of a SQL line longer than 1023 bytes
   bool binds = true;

@@ -25,7 +25,7 @@ bool TraceFileReader::Seek(std::uint64_t offset) {
   }
   in_->clear();
   in_->seekg(static_cast<std::streamoff>(offset), std::ios::beg);
-  begin_ = end_ = 0;
+  begin_ = end_ = next_nul_ = next_asterisks_ = 0;
   source_done_ = false;
   at_end_ = false;
   return !in_->fail();
@@ -42,7 +42,31 @@ void TraceFileReader::Fill() {
     const auto got = static_cast<std::size_t>(in_->gcount());
     end_ += got;
     if (got == 0 || !in_->good()) source_done_ = true;
+    next_nul_ = NextByte('\0', begin_);
+    next_asterisks_ = NextAsterisks(begin_);
   }
+}
+
+std::size_t TraceFileReader::NextByte(char byte, std::size_t from) const {
+  const void* found = std::memchr(block_.data() + from, byte, end_ - from);
+  return found == nullptr
+             ? end_
+             : static_cast<std::size_t>(static_cast<const char*>(found) - block_.data());
+}
+
+std::size_t TraceFileReader::NextAsterisks(std::size_t from) const {
+  const std::size_t found = std::string_view(block_.data() + from, end_ - from).find("***");
+  return found == std::string_view::npos ? end_ : from + found;
+}
+
+std::string_view TraceFileReader::Finish(std::string_view piece, std::size_t piece_end) {
+  piece_has_asterisks_ = next_asterisks_ < piece_end;
+  if (piece_has_asterisks_) next_asterisks_ = NextAsterisks(piece_end);
+  if (next_nul_ >= piece_end) return piece;
+  next_nul_ = NextByte('\0', piece_end);
+  const void* nul = std::memchr(piece.data(), '\0', piece.size());
+  if (nul == nullptr) return piece;
+  return piece.substr(0, static_cast<std::size_t>(static_cast<const char*>(nul) - piece.data()));
 }
 
 bool TraceFileReader::ReadPiece(std::string_view* piece) {
@@ -58,13 +82,13 @@ bool TraceFileReader::ReadPiece(std::string_view* piece) {
   if (newline != nullptr && (newline == start || newline[-1] != '\r')) {
     const auto length = static_cast<std::size_t>(newline - start) + 1;
     begin_ += length;
-    *piece = std::string_view(start, length);
+    *piece = Finish(std::string_view(start, length), begin_);
     return true;
   }
   if (newline == nullptr && window == kPieceLimit &&
       !(start[kPieceLimit - 1] == '\r' && available > kPieceLimit && start[kPieceLimit] == '\n')) {
     begin_ += kPieceLimit;
-    *piece = std::string_view(start, kPieceLimit);
+    *piece = Finish(std::string_view(start, kPieceLimit), begin_);
     return true;
   }
   *piece = CopyPiece();
@@ -89,7 +113,7 @@ std::string_view TraceFileReader::CopyPiece() {
     if (c == '\n') break;
   }
   begin_ = at;
-  return std::string_view(copy_.data(), count);
+  return Finish(std::string_view(copy_.data(), count), begin_);
 }
 
 }  // namespace parser

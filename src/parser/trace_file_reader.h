@@ -6,7 +6,8 @@
 //     the characters that remain count towards the 1023;
 //   - the last line of a file without a final newline arrives without one.
 // Pieces are views into the reader's block (or, for CR-LF lines, into a small copy), valid until
-// the next call. Not thread-safe; one reader per open file.
+// the next call, and end at their first NUL byte, as the line buffer's C string does. Not
+// thread-safe; one reader per open file.
 #ifndef PELICOR_PARSER_TRACE_FILE_READER_H_
 #define PELICOR_PARSER_TRACE_FILE_READER_H_
 
@@ -39,6 +40,11 @@ class TraceFileReader {
   // The next piece in *piece; false at the end of the file.
   bool ReadPiece(std::string_view* piece);
 
+  // False when the last piece surely holds no "***", which the size-limit line needs: most lines
+  // then skip that test. The search runs once per block, not once per line ("SQL*Net" waits
+  // put single asterisks on many lines).
+  bool PieceHasAsterisks() const { return piece_has_asterisks_; }
+
   // True once a read has met the end of the file (as feof() after fgets()): after the last
   // piece when that piece has no newline, else only after ReadPiece() has answered false.
   bool AtEnd() const { return at_end_; }
@@ -48,6 +54,11 @@ class TraceFileReader {
   void Fill();
   // The general case: copies the piece, dropping a CR before the newline.
   std::string_view CopyPiece();
+  // Position of the first `byte` (of "***") in block_ from `from` on, end_ when there is none.
+  std::size_t NextByte(char byte, std::size_t from) const;
+  std::size_t NextAsterisks(std::size_t from) const;
+  // Cuts the piece that ends at block_[piece_end] at its first NUL and notes its asterisks.
+  std::string_view Finish(std::string_view piece, std::size_t piece_end);
 
   static constexpr std::size_t kLookahead = kPieceLimit + 2;
 
@@ -57,6 +68,9 @@ class TraceFileReader {
   std::size_t end_ = 0;    // end of the bytes read into block_
   bool source_done_ = false;
   bool at_end_ = false;
+  std::size_t next_nul_ = 0;        // first NUL at or after begin_, end_ when none
+  std::size_t next_asterisks_ = 0;  // likewise for "***"
+  bool piece_has_asterisks_ = false;
   std::array<char, kPieceLimit> copy_{};
 };
 

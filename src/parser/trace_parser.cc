@@ -192,21 +192,28 @@ bool CTraceParser::NextLine(std::string_view* line) {
       break;
   }
   if (!got) return false;
-  *line = UpToNul(*line);
   line_buffer_ = *line;
-  if (IsSizeLimitLine(*line)) Raise("Parse", "Trace file has reached max_dump_file_size!");
+  if (line_may_mark_limit_ && IsSizeLimitLine(*line)) {
+    Raise("Parse", "Trace file has reached max_dump_file_size!");
+  }
   return true;
 }
 
 bool CTraceParser::ReadFileLine(std::string_view* line) {
-  return file_ != nullptr && file_->ReadPiece(line);
+  if (file_ == nullptr || !file_->ReadPiece(line)) return false;
+  line_may_mark_limit_ = file_->PieceHasAsterisks();
+  return true;
 }
 
 bool CTraceParser::ReadStreamLine(std::string_view* line) {
   if (stream_ == nullptr || stream_at_end_) return false;
-  if (stream_->ReadNextLine(line)) return true;
-  stream_at_end_ = true;
-  return false;
+  if (!stream_->ReadNextLine(line)) {
+    stream_at_end_ = true;
+    return false;
+  }
+  *line = UpToNul(*line);
+  line_may_mark_limit_ = true;
+  return true;
 }
 
 bool CTraceParser::ReadDatabaseLine(std::string_view* line) {

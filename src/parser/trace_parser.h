@@ -121,6 +121,8 @@ class CTraceParser {
   // The next line of the parse's source (cut at its first NUL byte); false at its end. Throws
   // "Trace file has reached max_dump_file_size!" for the server's size-limit line.
   virtual bool NextLine(std::string_view* line);
+  // The line readers cut the line at its first NUL byte and set line_may_mark_limit_ (false
+  // only when the line surely is no size-limit line).
   virtual bool ReadDatabaseLine(std::string_view* line);
   virtual bool ReadStreamLine(std::string_view* line);
   virtual bool ReadFileLine(std::string_view* line);
@@ -181,6 +183,7 @@ class CTraceParser {
   int banner_major_version_ = 0;
   // The line in hand: what the BINDS scanner leaves for the dispatcher's EXEC follow-up.
   std::string_view line_buffer_;
+  bool line_may_mark_limit_ = true;
   NamePool wait_names_;
 };
 

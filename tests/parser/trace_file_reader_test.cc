@@ -93,9 +93,22 @@ TEST(TraceFileReader, DropsACarriageReturnBeforeTheNewlineOnly) {
   EXPECT_EQ(WithReader(Repeat('x', 1023) + "\r\n", 1 << 20), split);
 }
 
-TEST(TraceFileReader, KeepsNulBytesInsidePieces) {
-  const std::vector<Piece> expected = {{std::string("nul\0inside\n", 11), false}};
-  EXPECT_EQ(WithReader(std::string("nul\0inside\n", 11), 1 << 20), expected);
+TEST(TraceFileReader, PiecesEndAtTheirFirstNulByte) {
+  const std::vector<Piece> expected = {{"nul", false}, {"", false}, {"b\n", false}};
+  EXPECT_EQ(WithReader(std::string("nul\0inside\n\0\0a\nb\n", 17), 1), expected);
+  EXPECT_EQ(WithReader(std::string("nul\0inside\n\0\0a\nb\n", 17), 1 << 20), expected);
+}
+
+TEST(TraceFileReader, TellsWhichPiecesMayHoldThreeAsterisks) {
+  const std::string text = "a\nSQL*Net\n***\nb\n****\n**\n*" + std::string(1021, 'x') + "***\n";
+  for (const std::size_t block_size : {std::size_t{1}, std::size_t{1} << 20}) {
+    parser::TraceFileReader reader(std::make_unique<std::istringstream>(text), block_size);
+    std::string_view piece;
+    std::vector<bool> flags;
+    while (reader.ReadPiece(&piece)) flags.push_back(reader.PieceHasAsterisks());
+    // A "***" that only begins in a piece marks it too: the full test then says no.
+    EXPECT_EQ(flags, (std::vector<bool>{false, false, true, false, true, false, true, false}));
+  }
 }
 
 TEST(TraceFileReader, SeeksToAByteOffset) {
