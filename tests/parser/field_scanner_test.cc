@@ -82,7 +82,6 @@ const char* const kCursorLines[] = {
     "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1 hv=2 ad='a b'\n",
     "PARSING IN CURSOR#2len=5dep=1uid=0oct=3lid=0tim=1hv=2ad='x'\n",
     "PARSING IN CURSOR #2 len=-116 dep=oops uid=0\n",
-    "PARSING IN  CURSOR #2 len=9\n",
     "PARSING IN CURSOR #2 len=9999999999 dep=1 uid=0 oct=3 lid=0 tim=1 hv=-2 ad='y'\n",
     "PARSING IN CURSOR #",
 };

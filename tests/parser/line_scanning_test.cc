@@ -23,9 +23,7 @@ TEST(LineKind, FirstCharacterAndFixedPositionsDecide) {
       {"*** 2004-05-07 11:20:17.632\n", LineKind::kIgnored},
       {"*** SESSION ID: no parenthesis\n", LineKind::kIgnored},
       {"BINDS #2:\n", LineKind::kBinds},
-      {"BINDS 2:\n", LineKind::kIgnored},
       {"EXEC #2:c=0\n", LineKind::kExec},
-      {"EXEC 2:c=0\n", LineKind::kIgnored},
       {"END OF STMT\n", LineKind::kIgnored},
       {"FETCH #2:c=0\n", LineKind::kFetch},
       {"Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n", LineKind::kRelease},
@@ -42,8 +40,6 @@ TEST(LineKind, FirstCharacterAndFixedPositionsDecide) {
       {"STAT #3 id=1\n", LineKind::kStat},
       {"WAIT #3: nam='x'\n", LineKind::kWait},
       {" WAIT #3: nam='x'\n", LineKind::kIgnored},
-      {"XCTEND rlbk=0, rd_only=0\n", LineKind::kIgnored},
-      {"=====================\n", LineKind::kIgnored},
       {"", LineKind::kIgnored},
   };
   for (const Case& test : cases) {
@@ -68,30 +64,6 @@ TEST(LineText, SizeLimitLines) {
   EXPECT_FALSE(parser::IsSizeLimitLine("** FILE *\n"));
   EXPECT_FALSE(parser::IsSizeLimitLine("*** TRACE DUMP CONTINUED FROM FILE  ***\n"));
   EXPECT_FALSE(parser::IsSizeLimitLine("*** TRACE CONTINUED FROM FILE /u01/a.trc ***\n"));
-}
-
-TEST(StatScanner, OpTextRunsFromItsFirstWordToTheClosingQuote) {
-  struct Case {
-    const char* line;
-    const char* op;
-  };
-  const Case cases[] = {
-      {"STAT #1 id=2 cnt=14 pid=1 pos=1 obj=31 op='TABLE ACCESS FULL EMP (cr=8 r=0 w=0 "
-       "time=290 us)'\n",
-       "TABLE ACCESS FULL EMP (cr=8 r=0 w=0 time=290 us)"},
-      {"STAT #1 id=1 cnt=1 pid=0 pos=1 obj=0 op='SORT ORDER BY '\n", "SORT ORDER BY "},
-      // The first word is looked for anywhere in the line: "1" first occurs in "#1".
-      {"STAT #1 id=1 cnt=1 pid=0 pos=1 obj=0 op='1 ROW'\n",
-       "1 id=1 cnt=1 pid=0 pos=1 obj=0 op='1 ROW"},
-      // No word scanned: the whole line less its last two characters.
-      {"STAT #1 id=x\n", "STAT #1 id="},
-      {"S\n", ""},
-  };
-  for (const Case& test : cases) {
-    parser::StatRecord stat;
-    parser::ScanStatLine(test.line, &stat);
-    EXPECT_EQ(stat.op, test.op) << test.line;
-  }
 }
 
 TEST(WaitScanner, NameKeepsBlanksAndOddLinesGiveEmptyNames) {
