@@ -84,8 +84,8 @@ std::unique_ptr<TraceStatement> MakeStatement(int n, std::size_t* trace_bytes) {
     s->totals[kFetchTotals].Add(s->fetch_calls.back());
   }
   for (int i = 0; i < kBinds; ++i) {
-    s->binds.push_back(BindRecord{s->cursor, 0, 1, 32, 0, 0, 0, 0, 3, 16, 32, 0, "0a4f1c08", 32, 5,
-                                  5, "CLERK", i});
+    s->binds.push_back(BindRecord{s->cursor, 0, 1, 32, 0, 0, 0, 0, 3, 16, 32, 0, 32, 5, 5, i,
+                                  "0a4f1c08", "CLERK"});
     *trace_bytes += 14 + 84 + 42 + 20;  // BINDS #n:, bind, bfp and value lines
   }
   for (int i = 0; i < kWaits; ++i) {

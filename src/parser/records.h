@@ -83,12 +83,13 @@ struct BindRecord {
   std::int32_t oacfl2 = 0;
   std::int32_t size = 0;
   std::int32_t offset = 0;
-  std::string bfp;
   std::int32_t bln = 0;
   std::int32_t avl = 0;
   std::int32_t flg = 0;
-  std::string value;
   std::int32_t bind_set = 0;
+  // The two texts last: the integers then pack without holes (a trace holds millions of binds).
+  std::string bfp;
+  std::string value;
 };
 
 // STAT #1 id=2 cnt=14 pid=1 pos=1 obj=31 op='TABLE ACCESS FULL EMP (cr=8 r=0 w=0 time=290 us)'

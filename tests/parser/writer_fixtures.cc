@@ -62,7 +62,7 @@ std::unique_ptr<TraceStatement> FirstSample() {
       5, 1000, 3918581285, "6b3d&1f2c", "select * from emp where a < :1 and b = '&x' ]]> c\n"};
   AddParse(*s, CallRecord{1, 1, 2, 0, 0, 0, 1, 0, 0, 4, 1000});
   s->binds.push_back(
-      BindRecord{1, 0, 1, 32, 1, 0, 0, 0, 3, 16, 32, 0, "0a4f<", 32, 8, 5, "a&b<\"c\">", 0});
+      BindRecord{1, 0, 1, 32, 1, 0, 0, 0, 3, 16, 32, 0, 32, 8, 5, 0, "0a4f<", "a&b<\"c\">"});
   AddExec(*s, ExecCallRecord{{1, 3, 4, 1, 2, 3, 0, 1, 0, 1, 1010}, 0});
   CallRecord missing;
   missing.cursor = 1;

@@ -1,0 +1,295 @@
+#include "trace_generator.h"
+
+#include <fstream>
+#include <string_view>
+#include <vector>
+
+#include "sql_catalog.h"
+#include "trace_text.h"
+
+namespace tracegen {
+
+namespace {
+
+// splitmix64: small, fast and the same on every platform and library.
+class Random {
+ public:
+  explicit Random(std::uint64_t state) : state_(state) {}
+  std::uint64_t Next() {
+    std::uint64_t z = (state_ += 0x9e3779b97f4a7c15ULL);
+    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9ULL;
+    z = (z ^ (z >> 27)) * 0x94d049bb133111ebULL;
+    return z ^ (z >> 31);
+  }
+  std::int64_t Below(std::int64_t n) {
+    return static_cast<std::int64_t>(Next() % static_cast<std::uint64_t>(n));
+  }
+  bool Percent(int p) { return Below(100) < p; }
+
+ private:
+  std::uint64_t state_;
+};
+
+struct CursorState {
+  const SqlEntry* sql = nullptr;  // null: closed
+  bool executed = false;
+};
+
+class Session {
+ public:
+  Session(std::ostream& out, const GeneratorOptions& options)
+      : text_(out, options.crlf),
+        random_(options.random_state),
+        options_(options),
+        cursors_(static_cast<std::size_t>(options.cursor_slots + 4)) {}
+
+  GeneratedCounts Run();
+
+ private:
+  void Header();
+  void Step();
+  void OpenStatement(int cursor, const SqlEntry& sql, int dep);
+  void Execute(int cursor, int dep);
+  void CloseCursor(int cursor);
+  void Recursive();
+  void NewSection();
+  void Call(std::string_view keyword, int cursor, int dep, std::int64_t rows, bool counted = true);
+  void Wait(int cursor, std::string_view name, std::int64_t ela, std::int64_t p1, bool counted);
+  void Binds(int cursor, int count);
+  void Hex(std::uint64_t value, int digits);
+  void Line(std::string_view line) {
+    text_ << line;
+    text_.EndLine();
+  }
+  CursorState& At(int cursor) { return cursors_[static_cast<std::size_t>(cursor)]; }
+
+  TraceText text_;
+  Random random_;
+  GeneratorOptions options_;
+  GeneratedCounts counts_;
+  std::vector<CursorState> cursors_;  // index: cursor number
+  std::int64_t tim_ = 1083929217630818;
+  std::int64_t process_number_ = 12;
+  std::int64_t statements_in_section_ = 0;
+};
+
+GeneratedCounts Session::Run() {
+  Header();
+  while (text_.bytes() < options_.target_bytes) Step();
+  for (int cursor = 1; cursor < static_cast<int>(cursors_.size()); ++cursor) CloseCursor(cursor);
+  if (options_.size_limit_line) Line("*** DUMP FILE SIZE IS LIMITED TO 10485760 BYTES ***");
+  text_.Flush();
+  counts_.bytes = text_.bytes();
+  counts_.lines = text_.lines();
+  return counts_;
+}
+
+void Session::Header() {
+  Line("/u01/app/oracle/admin/orcl/udump/orcl_ora_4242.trc");
+  Line("Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production");
+  Line("With the Partitioning, OLAP and Oracle Data Mining options");
+  Line("JServer Release 9.2.0.4.0 - Production");
+  Line("ORACLE_HOME = /u01/app/oracle/product/9.2.0");
+  Line("System name:\tLinux");
+  Line("Node name:\tdbhost01");
+  Line("Release:\t2.4.21-15.ELsmp");
+  Line("Version:\t#1 SMP Thu Apr 22 00:18:24 EDT 2004");
+  Line("Machine:\ti686");
+  Line("Instance name: orcl");
+  Line("Redo thread mounted by this instance: 1");
+  text_ << "Oracle process number: " << process_number_;
+  text_.EndLine();
+  Line("Unix process pid: 4242, image: oracle@dbhost01 (TNS V1-V3)");
+  Line("");
+  Line("*** 2004-05-07 11:20:17.632");
+  Line("*** SESSION ID:(9.1407) 2004-05-07 11:20:17.631");
+  Line("APPNAME mod='SQL*Plus' mh=3669949024 act='' ah=4029777240");
+}
+
+void Session::Step() {
+  const int cursor = 1 + static_cast<int>(random_.Below(options_.cursor_slots));
+  if (At(cursor).sql == nullptr || random_.Percent(options_.reopen_percent)) {
+    CloseCursor(cursor);
+    if (random_.Percent(options_.recursive_percent)) Recursive();
+    const auto pick = static_cast<std::size_t>(random_.Below(kApplicationSql.size()));
+    OpenStatement(cursor, kApplicationSql[pick], 0);
+  }
+  for (std::int64_t n = 1 + random_.Below(3); n > 0; --n) Execute(cursor, 0);
+  if (random_.Percent(15)) Line("XCTEND rlbk=0, rd_only=0");
+  if (random_.Percent(4)) Line("*** 2004-05-07 11:20:19.112");
+  if (options_.waits && random_.Percent(10)) {
+    Wait(0, "SQL*Net message from client", 1000 + random_.Below(90000), 1650815232, false);
+  }
+  if (options_.process_line_every > 0 && statements_in_section_ >= options_.process_line_every) {
+    NewSection();
+  }
+}
+
+void Session::OpenStatement(int cursor, const SqlEntry& sql, int dep) {
+  std::string sql_text(sql.text);
+  if (dep == 0 && random_.Percent(options_.long_sql_percent)) {
+    sql_text += "\n   and 1 in (0";  // one line longer than the 1023-byte line buffer
+    for (int i = 1; i < 300; ++i) sql_text += ", " + std::to_string(i);
+    sql_text += ")";
+  }
+  const std::int64_t uid = dep == 0 ? 57 : 0;
+  Line("=====================");
+  text_ << "PARSING IN CURSOR #" << std::int64_t{cursor}
+        << " len=" << static_cast<std::int64_t>(sql_text.size()) << " dep=" << std::int64_t{dep}
+        << " uid=" << uid << " oct=" << std::int64_t{sql.oct} << " lid=" << uid << " tim=" << tim_
+        << " hv=" << static_cast<std::int64_t>(random_.Below(4294967295)) << " ad='";
+  Hex(random_.Next(), 8);
+  text_ << "'";
+  text_.EndLine();
+  std::string_view rest(sql_text);
+  for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
+    Line(rest.substr(0, end));
+    rest.remove_prefix(end + 1);
+  }
+  Line(rest);
+  Line("END OF STMT");
+  ++counts_.statements;
+  ++statements_in_section_;
+  At(cursor) = CursorState{&sql, false};
+  Call("PARSE #", cursor, dep, 0);
+}
+
+void Session::Execute(int cursor, int dep) {
+  const SqlEntry& sql = *At(cursor).sql;
+  const bool binds = options_.binds && sql.binds > 0;
+  if (binds) Binds(cursor, sql.binds);
+  if (options_.waits && random_.Percent(30)) {
+    // The first line after a BINDS block ends the block and is lost unless it is an EXEC line.
+    bool right_after_binds = binds;
+    for (std::int64_t n = 1 + random_.Below(3); n > 0; --n) {
+      Wait(cursor, "db file sequential read", 100 + random_.Below(20000), 4 + random_.Below(8),
+           !right_after_binds);
+      right_after_binds = false;
+    }
+  }
+  Call("EXEC #", cursor, dep, sql.oct == 3 ? 0 : 1);
+  const std::int64_t fetches = sql.oct == 3 ? 1 + random_.Below(4) : 0;
+  for (std::int64_t n = 0; n < fetches; ++n) {
+    if (options_.waits)
+      Wait(cursor, "SQL*Net message to client", 2 + random_.Below(6), 1650815232, true);
+    Call("FETCH #", cursor, dep, 1 + random_.Below(15));
+    if (options_.waits && dep == 0) {
+      Wait(cursor, "SQL*Net message from client", 500 + random_.Below(400000), 1650815232, true);
+    }
+  }
+  At(cursor).executed = true;
+}
+
+void Session::CloseCursor(int cursor) {
+  CursorState& state = At(cursor);
+  if (state.sql != nullptr && state.executed && options_.stats) {
+    // 9i writes the plan rows when the cursor closes.
+    for (std::size_t id = 0; id < state.sql->plan.size() && !state.sql->plan[id].empty(); ++id) {
+      const std::int64_t rows = random_.Below(200);
+      text_ << "STAT #" << std::int64_t{cursor} << " id=" << static_cast<std::int64_t>(id + 1)
+            << " cnt=" << rows << " pid=" << static_cast<std::int64_t>(id)
+            << " pos=1 obj=" << (id == 0 ? 0 : 30 + random_.Below(60000)) << " op='"
+            << state.sql->plan[id] << " (cr=" << random_.Below(900) << " r=" << random_.Below(40)
+            << " w=0 time=" << random_.Below(90000) << " us)'";
+      text_.EndLine();
+      ++counts_.stats;
+    }
+  }
+  state = CursorState{};
+}
+
+void Session::Recursive() {
+  const int cursor = options_.cursor_slots + 1 + static_cast<int>(random_.Below(3));
+  const auto pick = static_cast<std::size_t>(random_.Below(kRecursiveSql.size()));
+  OpenStatement(cursor, kRecursiveSql[pick], 1);
+  Execute(cursor, 1);
+  CloseCursor(cursor);
+}
+
+void Session::NewSection() {
+  for (int cursor = 1; cursor < static_cast<int>(cursors_.size()); ++cursor) CloseCursor(cursor);
+  Line("");
+  ++process_number_;
+  Header();
+  statements_in_section_ = 0;
+}
+
+// EXEC #1:c=0,e=312,p=0,cr=0,cu=0,mis=1,r=0,dep=0,og=4,tim=1083929217630818
+void Session::Call(std::string_view keyword, int cursor, int dep, std::int64_t rows, bool counted) {
+  const std::int64_t elapsed = 20 + random_.Below(3000);
+  tim_ += elapsed;
+  text_ << keyword << std::int64_t{cursor} << ":c=" << random_.Below(3) * 10000 << ",e=" << elapsed
+        << ",p=" << random_.Below(4) << ",cr=" << random_.Below(40) << ",cu=" << random_.Below(6)
+        << ",mis=" << (keyword == "PARSE #" ? random_.Below(2) : 0) << ",r=" << rows
+        << ",dep=" << std::int64_t{dep} << ",og=4,tim=" << tim_;
+  text_.EndLine();
+  if (!counted) return;
+  if (keyword == "PARSE #") ++counts_.parse_calls;
+  if (keyword == "EXEC #") ++counts_.exec_calls;
+  if (keyword == "FETCH #") ++counts_.fetch_calls;
+}
+
+// WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1
+void Session::Wait(int cursor, std::string_view name, std::int64_t ela, std::int64_t p1,
+                   bool counted) {
+  tim_ += ela;
+  text_ << "WAIT #" << std::int64_t{cursor} << ": nam='" << name << "' ela= " << ela << " p1=" << p1
+        << " p2=" << random_.Below(300000) << " p3=" << random_.Below(2);
+  text_.EndLine();
+  if (counted) ++counts_.waits;
+}
+
+void Session::Binds(int cursor, int count) {
+  text_ << "BINDS #" << std::int64_t{cursor} << ":";
+  text_.EndLine();
+  for (int bind = 0; bind < count; ++bind) {
+    const bool number = random_.Percent(60);
+    const bool null_value = random_.Percent(5);
+    text_ << " bind " << std::int64_t{bind}
+          << (number ? ": dty=2 mxl=22(22)" : ": dty=1 mxl=32(09)")
+          << " mal=00 scl=00 pre=00 oacflg=08 oacfl2=1 size=" << (number ? "24" : "32")
+          << " offset=0";
+    text_.EndLine();
+    text_ << "   bfp=";
+    Hex(random_.Next(), 8);
+    text_ << (number ? " bln=22" : " bln=32") << (null_value ? " avl=00" : " avl=02") << " flg=05";
+    text_.EndLine();
+    if (!null_value) {
+      if (number) {
+        text_ << "   value=" << random_.Below(100000);
+      } else {
+        text_ << "   value=\"CUST" << random_.Below(99999) << "\"";
+      }
+      text_.EndLine();
+    }
+  }
+  counts_.binds += static_cast<std::uint64_t>(count);
+  ++counts_.bind_sets;
+}
+
+void Session::Hex(std::uint64_t value, int digits) {
+  char hex[16];
+  for (int i = digits - 1; i >= 0; --i) {
+    hex[i] = "0123456789abcdef"[value & 15];
+    value >>= 4;
+  }
+  text_ << std::string_view(hex, static_cast<std::size_t>(digits));
+}
+
+}  // namespace
+
+GeneratedCounts WriteTrace(std::ostream& out, const GeneratorOptions& options) {
+  return Session(out, options).Run();
+}
+
+bool WriteTraceFile(const std::string& path, const GeneratorOptions& options,
+                    GeneratedCounts* counts) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  if (!out) return false;
+  const GeneratedCounts written = WriteTrace(out, options);
+  out.close();
+  if (counts != nullptr) *counts = written;
+  return !out.fail();
+}
+
+}  // namespace tracegen

@@ -1,0 +1,84 @@
+// The scanners of the lines that open a statement or record one call on it.
+#include "parser/field_scanner.h"
+#include "parser/line_text.h"
+#include "parser/record_scanners.h"
+
+namespace parser {
+
+// FETCH #3:c=0,e=142,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1083929217634352
+void ScanCallLine(std::string_view line, std::string_view keyword, CallRecord* record) {
+  FieldScanner(line)
+      .Literal(keyword)
+      .Cursor(&record->cursor)
+      .Literal(":c=")
+      .Int64(&record->c)
+      .Literal(",e=")
+      .Int64(&record->e)
+      .Literal(",p=")
+      .Int32(&record->p)
+      .Literal(",cr=")
+      .Int32(&record->cr)
+      .Literal(",cu=")
+      .Int32(&record->cu)
+      .Literal(",mis=")
+      .Int32(&record->mis)
+      .Literal(",r=")
+      .Int32(&record->r)
+      .Literal(",dep=")
+      .Int32(&record->dep)
+      .Literal(",og=")
+      .Int32(&record->og)
+      .Literal(",tim=")
+      .Int64(&record->tim);
+}
+
+// PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1083929217636210 hv=2918884618
+// ad='6b5a2c34'
+void ScanCursorLine(std::string_view line, ParseInCursorRecord* record) {
+  std::string_view ad;
+  const bool has_ad = FieldScanner(line)
+                          .Literal("PARSING IN CURSOR #")
+                          .Cursor(&record->cursor)
+                          .Literal(" len=")
+                          .Int32(&record->len)
+                          .Literal(" dep=")
+                          .Int32(&record->dep)
+                          .Literal(" uid=")
+                          .Int32(&record->uid)
+                          .Literal(" oct=")
+                          .Int32(&record->oct)
+                          .Literal(" lid=")
+                          .Int32(&record->lid)
+                          .Literal(" tim=")
+                          .Int64(&record->tim)
+                          .Literal(" hv=")
+                          .Int64(&record->hv)
+                          .Literal(" ad='")
+                          .Word(&ad)
+                          .ok();
+  // The word still ends in the closing quote.
+  if (has_ad) record->ad.assign(DropLast(ad, 1));
+}
+
+// PARSE ERROR #3:len=17 dep=0 uid=5 oct=3 lid=5 tim=1083929217633781 err=942
+void ScanParseErrorLine(std::string_view line, ParseErrorRecord* record) {
+  FieldScanner(line)
+      .Literal("PARSE ERROR #")
+      .Cursor(&record->cursor)
+      .Literal(":len=")
+      .Int32(&record->len)
+      .Literal(" dep=")
+      .Int32(&record->dep)
+      .Literal(" uid=")
+      .Int64(&record->uid)
+      .Literal(" oct=")
+      .Int64(&record->oct)
+      .Literal(" lid=")
+      .Int64(&record->lid)
+      .Literal(" tim=")
+      .Int64(&record->tim)
+      .Literal(" err=")
+      .Int64(&record->err);
+}
+
+}  // namespace parser

@@ -1,0 +1,61 @@
+// The statements of one parse: the open list (cursor still open, in order of opening) and the
+// closed list (in order of closing; what the writers read), with the lookup of a statement by
+// cursor number behind a one-entry cache.
+//
+// The cache is deliberately not cleared when statements close: after a close, lines for the
+// cached cursor still go to that statement, now in the closed list. Only emptying the closed
+// list forgets a cached statement that it destroys.
+#ifndef PELICOR_PARSER_STATEMENT_TABLE_H_
+#define PELICOR_PARSER_STATEMENT_TABLE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "parser/trace_statement.h"
+
+namespace parser {
+
+class StatementTable {
+ public:
+  // The statement for `cursor`: the cached one when the cursor is the cached cursor, else the
+  // first open statement with that cursor (which then becomes the cached one), else null.
+  TraceStatement* ForCursor(CursorNo cursor);
+  void Cache(CursorNo cursor, TraceStatement* statement);
+
+  // A new statement with the next sequence number, appended to the open list.
+  TraceStatement* OpenNew(CursorNo cursor);
+
+  // Moves the first open statement with `cursor` to the end of the closed list.
+  void CloseCursor(CursorNo cursor);
+  // Moves up to `n` statements from the front of the open list to the end of the closed list
+  // (none when n <= 0) and returns how many stay open.
+  std::size_t CloseFirst(std::int64_t n);
+  void CloseAll();
+
+  // Moves the first closed statement whose header SQL text equals `text` to the end of the open
+  // list and returns it; null when there is none.
+  TraceStatement* ReopenBySqlText(std::string_view text);
+
+  // Destroys every closed statement.
+  void ClearClosed();
+
+  StatementList& open() { return open_; }
+  const StatementList& open() const { return open_; }
+  StatementList& closed() { return closed_; }
+  const StatementList& closed() const { return closed_; }
+  std::int64_t statements_made() const { return counter_; }
+
+ private:
+  StatementList open_;
+  StatementList closed_;
+  bool cache_set_ = false;
+  CursorNo cached_cursor_ = 0;
+  TraceStatement* cached_ = nullptr;
+  std::int64_t counter_ = 0;
+};
+
+}  // namespace parser
+
+#endif  // PELICOR_PARSER_STATEMENT_TABLE_H_

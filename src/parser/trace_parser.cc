@@ -1,0 +1,249 @@
+// CTraceParser: construction, settings, the parse forms and the line source.
+#include "parser/trace_parser.h"
+
+#include <utility>
+
+#include "parser/field_scanner.h"
+#include "parser/line_text.h"
+#include "parser/trace_file_reader.h"
+#include "support/exceptions.h"
+
+namespace parser {
+
+namespace {
+
+#ifdef _WIN32
+constexpr char kPathSeparator = '\\';
+#else
+constexpr char kPathSeparator = '/';
+#endif
+
+[[noreturn]] void Raise(const char* method, const char* message) {
+  throw exceptions::ExceptionBase("TraceParser", "CTraceParser::Parse", method, message);
+}
+
+// Lets go of a stream source when a stream parse ends, also by an exception.
+class StreamScope {
+ public:
+  StreamScope(LineSource** slot, LineSource* source, bool close)
+      : slot_(slot), source_(source), close_(close) {
+    *slot_ = source;
+  }
+  ~StreamScope() {
+    *slot_ = nullptr;
+    if (close_) source_->CloseLines();
+  }
+  StreamScope(const StreamScope&) = delete;
+  StreamScope& operator=(const StreamScope&) = delete;
+
+ private:
+  LineSource** slot_;
+  LineSource* source_;
+  bool close_;
+};
+
+}  // namespace
+
+CTraceParser::CTraceParser(std::string name, std::string_view version_text)
+    : name_(std::move(name)) {
+  SetVersion(version_text);
+}
+
+CTraceParser::CTraceParser(const SortOptions* sort_options, bool aggregated)
+    : sort_options_(sort_options), aggregated_(aggregated) {}
+
+CTraceParser::~CTraceParser() = default;
+
+void CTraceParser::SetOutputDirectory(const std::string& directory) {
+  output_directory_ = directory + kPathSeparator;
+}
+
+void CTraceParser::SetVersion(std::string_view version_text) {
+  std::array<std::int32_t, 5> numbers{};
+  for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = version_[i];
+  FieldScanner(version_text)
+      .Int32(&numbers[0])
+      .Literal(".")
+      .Int32(&numbers[1])
+      .Literal(".")
+      .Int32(&numbers[2])
+      .Literal(".")
+      .Int32(&numbers[3])
+      .Literal(".")
+      .Int32(&numbers[4]);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    version_[i] = static_cast<std::int16_t>(numbers[i]);
+  }
+  has_version_ = true;
+}
+
+void CTraceParser::SetFlags(std::uint8_t flags) {
+  skip_waits_ = (flags & kSkipWaits) != 0;
+  skip_binds_ = (flags & kSkipBinds) != 0;
+  top_level_only_ = (flags & kTopLevelOnly) != 0;
+}
+
+// --- Parse forms ----------------------------------------------------------------------------
+
+void CTraceParser::Parse(const std::string& file_name, std::uint64_t offset) {
+  trace_file_name_ = file_name;
+  file_ = TraceFileReader::Open(file_name);
+  if (!file_) Raise("fopen", "Trace parser failed to open parse file!");
+  if (!file_->Seek(offset)) {
+    file_.reset();
+    Raise("fopen", "Trace parser failed to move file cursor to offset!");
+  }
+  source_mode_ = SourceMode::kFile;
+  SetFlags(0);
+  ParseToEnd();
+}
+
+void CTraceParser::ParseStream(LineSource& source, const std::string& name, std::uint64_t offset) {
+  trace_file_name_ = name;
+  if (!source.OpenLines(name, offset))
+    Raise("OpenLines", "Trace parser failed to open parse file!");
+  const StreamScope scope(&stream_, &source, true);
+  source_mode_ = SourceMode::kStream;
+  stream_at_end_ = false;
+  SetFlags(0);
+  ParseToEnd();
+}
+
+void CTraceParser::ParseDatabaseReader(LineSource& reader, const std::string& name,
+                                       std::uint64_t offset) {
+  trace_file_name_ = name;
+  if (!reader.OpenLines(name, offset))
+    Raise("OpenLines", "Trace parser failed to open parse file!");
+  const StreamScope scope(&stream_, &reader, true);
+  source_mode_ = SourceMode::kDatabaseReader;
+  stream_at_end_ = false;
+  SetFlags(0);
+  ParseToEnd();
+}
+
+bool CTraceParser::ParseBatch(const std::string& file_name, std::uint16_t limit,
+                              std::uint8_t flags) {
+  trace_file_name_ = file_name;
+  if (input_exhausted_) return CloseFirst(limit) > 0;
+  if (!file_) {
+    file_ = TraceFileReader::Open(file_name);
+    if (!file_) Raise("fopen", "Trace parser failed to open parse file.");
+  }
+  source_mode_ = SourceMode::kFile;
+  return ParseNextBatch(limit, flags);
+}
+
+bool CTraceParser::ParseStreamBatch(LineSource& source, const std::string& name,
+                                    std::uint16_t limit, std::uint8_t flags) {
+  trace_file_name_ = name;
+  if (input_exhausted_) return CloseFirst(limit) > 0;
+  const StreamScope scope(&stream_, &source, false);
+  source_mode_ = SourceMode::kStream;
+  stream_at_end_ = false;  // a batch stream that had ended would have exhausted the input
+  return ParseNextBatch(limit, flags);
+}
+
+void CTraceParser::ParseToEnd() {
+  std::string_view line;
+  while (!SourceAtEnd() && NextLine(&line)) DispatchLine(line);
+  EndOfInput();
+  CloseAll();
+}
+
+bool CTraceParser::ParseNextBatch(std::uint16_t limit, std::uint8_t flags) {
+  statement_limit_ = limit;
+  SetFlags(flags);
+  stop_ = false;
+  std::string_view line;
+  while (!SourceAtEnd() && !stop_) {
+    if (!NextLine(&line)) break;
+    DispatchLine(line);
+  }
+  if (!SourceAtEnd()) return true;
+  EndOfInput();
+  input_exhausted_ = true;
+  const auto closed = static_cast<std::int64_t>(table_.closed().size());
+  return CloseFirst(std::int64_t{limit} - closed) > 0;
+}
+
+void CTraceParser::EndOfInput() {
+  file_.reset();
+  session_timestamp_taken_ = false;
+}
+
+// --- Line source ----------------------------------------------------------------------------
+
+bool CTraceParser::SourceAtEnd() const {
+  if (source_mode_ == SourceMode::kFile) return !file_ || file_->AtEnd();
+  return stream_at_end_;
+}
+
+bool CTraceParser::NextLine(std::string_view* line) {
+  bool got = false;
+  switch (source_mode_) {
+    case SourceMode::kFile:
+      got = ReadFileLine(line);
+      break;
+    case SourceMode::kStream:
+      got = ReadStreamLine(line);
+      break;
+    case SourceMode::kDatabaseReader:
+      got = ReadDatabaseLine(line);
+      break;
+  }
+  if (!got) return false;
+  line_buffer_ = *line;
+  if (line_may_mark_limit_ && IsSizeLimitLine(*line)) {
+    Raise("Parse", "Trace file has reached max_dump_file_size!");
+  }
+  return true;
+}
+
+bool CTraceParser::ReadFileLine(std::string_view* line) {
+  if (file_ == nullptr || !file_->ReadPiece(line)) return false;
+  line_may_mark_limit_ = file_->PieceHasAsterisks();
+  return true;
+}
+
+bool CTraceParser::ReadStreamLine(std::string_view* line) {
+  if (stream_ == nullptr || stream_at_end_) return false;
+  if (!stream_->ReadNextLine(line)) {
+    stream_at_end_ = true;
+    return false;
+  }
+  *line = UpToNul(*line);
+  line_may_mark_limit_ = true;
+  return true;
+}
+
+bool CTraceParser::ReadDatabaseLine(std::string_view* line) {
+  return ReadStreamLine(line);
+}
+
+// --- Statement table ------------------------------------------------------------------------
+
+TraceStatement* CTraceParser::StatementForCursor(CursorNo cursor) {
+  return table_.ForCursor(cursor);
+}
+
+void CTraceParser::CloseCursor(CursorNo cursor) {
+  table_.CloseCursor(cursor);
+}
+
+std::size_t CTraceParser::CloseFirst(std::int64_t n) {
+  return table_.CloseFirst(n);
+}
+
+void CTraceParser::CloseAll() {
+  table_.CloseAll();
+}
+
+TraceStatement* CTraceParser::ReopenBySqlText(std::string_view text) {
+  return table_.ReopenBySqlText(text);
+}
+
+void CTraceParser::ClearClosedStatements() {
+  table_.ClearClosed();
+}
+
+}  // namespace parser

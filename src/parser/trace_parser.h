@@ -1,0 +1,192 @@
+// CTraceParser turns one Oracle SQL trace into a table of statements: it reads the trace line
+// by line (from a local file, a transport's line stream or the database-side file reader),
+// hands each line to its dispatcher, and files what the scanners read under the statement of
+// the line's cursor. Statements wait in the open list until their cursor is reused, a new trace
+// section starts ("Oracle process number: 12") or the input ends, then move to the closed
+// list, which the writers walk.
+//
+// Errors are thrown as exceptions::ExceptionBase with file "TraceParser"; lines that do not
+// scan are ignored. A parser is used by one thread at a time; two parsers may run at once.
+// The parser owns its statements; the views in WaitRecord::nam point into the parser too, so
+// statements must not outlive it.
+#ifndef PELICOR_PARSER_TRACE_PARSER_H_
+#define PELICOR_PARSER_TRACE_PARSER_H_
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "parser/line_source.h"
+#include "parser/name_pool.h"
+#include "parser/records.h"
+#include "parser/sort_options.h"
+#include "parser/statement_table.h"
+#include "parser/trace_statement.h"
+
+namespace parser {
+
+class TraceFileReader;
+
+// Bits of the flags argument of the batch forms.
+inline constexpr std::uint8_t kSkipWaits = 1;
+inline constexpr std::uint8_t kSkipBinds = 2;
+inline constexpr std::uint8_t kTopLevelOnly = 4;
+
+class CTraceParser {
+ public:
+  // `name` is the statement identifier; `version_text` the database version, read as
+  // "%d.%d.%d.%d.%d" (numbers not reached stay 0).
+  CTraceParser(std::string name, std::string_view version_text);
+  // The parser of the whole-file parse methods: keeps the sort options (not owned, may be null)
+  // and the aggregated flag; it has no name and no database version.
+  explicit CTraceParser(const SortOptions* sort_options = nullptr, bool aggregated = false);
+  virtual ~CTraceParser();
+  CTraceParser(const CTraceParser&) = delete;
+  CTraceParser& operator=(const CTraceParser&) = delete;
+
+  // --- Parsing ---------------------------------------------------------------------------
+  // The whole local file from byte `offset`; every statement is closed at the end. Throws
+  // "Trace parser failed to open parse file!" / "...to move file cursor to offset!".
+  virtual void Parse(const std::string& file_name, std::uint64_t offset);
+  // The next portion of a local file, opened on the first call and kept open between calls:
+  // parses until the closed list holds at least `limit` statements (0: no limit) or the file
+  // ends. True while statements remain to be taken. Throws "Trace parser failed to open parse
+  // file." when the file cannot be opened.
+  virtual bool ParseBatch(const std::string& file_name, std::uint16_t limit, std::uint8_t flags);
+  // The whole stream of a transport: opens it with (name, offset), reads it to its end, closes
+  // it, and closes every statement.
+  virtual void ParseStream(LineSource& source, const std::string& name, std::uint64_t offset);
+  // The next portion of a transport stream that the caller has opened (and will close), as
+  // ParseBatch does for a file. `source` is used during the call only.
+  virtual bool ParseStreamBatch(LineSource& source, const std::string& name, std::uint16_t limit,
+                                std::uint8_t flags);
+  // The whole file through the database-side reader, as ParseStream.
+  virtual void ParseDatabaseReader(LineSource& reader, const std::string& name,
+                                   std::uint64_t offset);
+
+  // Hands one line to the scanner of its kind. Scanners that read further lines (SQL text,
+  // BINDS blocks) take them from the source of the parse in progress, if any.
+  virtual void DispatchLine(std::string_view line);
+
+  // --- Statement table -------------------------------------------------------------------
+  virtual TraceStatement* StatementForCursor(CursorNo cursor);
+  virtual void CloseCursor(CursorNo cursor);
+  // Closes up to n open statements, oldest first; returns how many stay open.
+  virtual std::size_t CloseFirst(std::int64_t n);
+  virtual void CloseAll();
+  // Moves the first closed statement with this header SQL text back to the open list.
+  virtual TraceStatement* ReopenBySqlText(std::string_view text);
+  // Destroys the closed statements (each batch writes only its own).
+  virtual void ClearClosedStatements();
+
+  StatementList& ClosedStatements() { return table_.closed(); }
+  const StatementList& ClosedStatements() const { return table_.closed(); }
+  const StatementList& OpenStatements() const { return table_.open(); }
+
+  // --- Settings and state for the writers and the facade -----------------------------------
+  // Kept with the platform's path separator appended.
+  void SetOutputDirectory(const std::string& directory);
+  const std::string& OutputDirectory() const { return output_directory_; }
+  void SetStatementId(std::string id) { name_ = std::move(id); }
+  const std::string& StatementId() const { return name_; }
+  void SetSortOptions(const SortOptions* options) { sort_options_ = options; }
+  const SortOptions* GetSortOptions() const { return sort_options_; }
+  void SetAggregated(bool aggregated) { aggregated_ = aggregated; }
+  bool IsAggregated() const { return aggregated_; }
+  void SetMergeIdenticalSql(bool merge) { merge_identical_sql_ = merge; }
+  bool MergeIdenticalSql() const { return merge_identical_sql_; }
+  // Reads "%d.%d.%d.%d.%d"; numbers not reached keep their values.
+  void SetVersion(std::string_view version_text);
+  bool HasVersion() const { return has_version_; }
+  const std::array<std::int16_t, 5>& Version() const { return version_; }
+
+  const std::string& SessionTimestamp() const { return session_timestamp_; }
+  std::int64_t FirstCursorTime() const { return first_cursor_time_; }
+  bool SkipWaits() const { return skip_waits_; }
+  bool SkipBinds() const { return skip_binds_; }
+  bool TopLevelOnly() const { return top_level_only_; }
+  std::int64_t TimeDivisor() const { return time_divisor_; }
+  char ReleaseCharacter() const { return release_char_; }
+  // The major version of the last release banner seen ("Oracle9i ... Release 9.2.0.4.0" gives
+  // 9), 0 before any; for writers of a parser without a database version.
+  int BannerMajorVersion() const { return banner_major_version_; }
+  const std::string& TraceFileName() const { return trace_file_name_; }
+
+ protected:
+  enum class SourceMode { kFile = 0, kStream = 1, kDatabaseReader = 3 };
+
+  // The next line of the parse's source (cut at its first NUL byte); false at its end. Throws
+  // "Trace file has reached max_dump_file_size!" for the server's size-limit line.
+  virtual bool NextLine(std::string_view* line);
+  // The line readers cut the line at its first NUL byte and set line_may_mark_limit_ (false
+  // only when the line surely is no size-limit line).
+  virtual bool ReadDatabaseLine(std::string_view* line);
+  virtual bool ReadStreamLine(std::string_view* line);
+  virtual bool ReadFileLine(std::string_view* line);
+
+  // The eight scanners: each reads its line (and the lines that belong to it) and files the
+  // records under the statement of the line's cursor.
+  virtual void ScanParsingInCursor(std::string_view line);
+  virtual void ScanParse(std::string_view line);
+  virtual void ScanExec(std::string_view line);
+  virtual void ScanFetch(std::string_view line);
+  virtual void ScanStat(std::string_view line);
+  virtual void ScanBinds(std::string_view line);
+  virtual void ScanWait(std::string_view line);
+  virtual void ScanParseError(std::string_view line);
+
+ private:
+  void TakeSessionTimestamp(std::string_view line);
+  void TakeRelease(std::string_view line);
+  // Appends lines to `text` until it holds at least len - 2 characters or the input ends.
+  void ReadSqlText(std::int32_t len, std::string* text);
+  void FileCursorHeader(ParseInCursorRecord header);
+  // Reads one bind of a BINDS block from its definition line on; see ScanBinds.
+  bool ReadBind(std::string_view* line, BindRecord* bind);
+  void SetFlags(std::uint8_t flags);
+  bool SourceAtEnd() const;
+  // Whole-input forms: reads to the end of the source, then closes every statement.
+  void ParseToEnd();
+  // Batch forms: reads until the statement limit is reached or the source ends.
+  bool ParseNextBatch(std::uint16_t limit, std::uint8_t flags);
+  void EndOfInput();
+
+  StatementTable table_;
+  std::unique_ptr<TraceFileReader> file_;
+  SourceMode source_mode_ = SourceMode::kFile;
+  bool merge_identical_sql_ = false;
+  LineSource* stream_ = nullptr;  // during a stream or database-reader parse only
+  bool stream_at_end_ = false;
+  char release_char_ = '8';
+  std::int64_t time_divisor_ = 100;
+  std::int64_t current_time_ = 0;
+  std::string session_timestamp_;
+  bool session_timestamp_taken_ = false;
+  bool stop_ = false;
+  std::int64_t statement_limit_ = 0;
+  std::int64_t first_cursor_time_ = 0;
+  bool first_cursor_time_pending_ = true;
+  bool input_exhausted_ = false;
+  bool skip_waits_ = false;
+  bool skip_binds_ = false;
+  bool top_level_only_ = false;
+  std::string name_;
+  std::array<std::int16_t, 5> version_{};
+  bool has_version_ = false;
+  std::string trace_file_name_;
+  std::string output_directory_;
+  const SortOptions* sort_options_ = nullptr;
+  bool aggregated_ = false;
+  int banner_major_version_ = 0;
+  // The line in hand: what the BINDS scanner leaves for the dispatcher's EXEC follow-up.
+  std::string_view line_buffer_;
+  bool line_may_mark_limit_ = true;
+  NamePool wait_names_;
+};
+
+}  // namespace parser
+
+#endif  // PELICOR_PARSER_TRACE_PARSER_H_

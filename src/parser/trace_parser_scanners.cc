@@ -1,0 +1,229 @@
+// CTraceParser: the dispatcher and the eight scanners, which file records under statements.
+#include <cstdint>
+#include <utility>
+
+#include "parser/field_scanner.h"
+#include "parser/line_kind.h"
+#include "parser/line_text.h"
+#include "parser/record_scanners.h"
+#include "parser/trace_parser.h"
+
+namespace parser {
+
+namespace {
+
+// Trace times are summed without overflow traps: a corrupt ela must not stop the parse.
+std::int64_t WrappingAdd(std::int64_t a, std::int64_t b) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
+}
+
+}  // namespace
+
+void CTraceParser::DispatchLine(std::string_view line) {
+  const DispatchState state{session_timestamp_taken_, skip_binds_, skip_waits_};
+  switch (ClassifyLine(line, state)) {
+    case LineKind::kIgnored:
+      break;
+    case LineKind::kSessionTimestamp:
+      TakeSessionTimestamp(line);
+      break;
+    case LineKind::kBinds:
+      ScanBinds(line);
+      // The line that ended the block is scanned only when it is an EXEC line; any other
+      // (PARSE, WAIT, STAT) is lost, as the trace format's readers have always done.
+      if (Contains(line_buffer_, "EXEC")) ScanExec(line_buffer_);
+      break;
+    case LineKind::kExec:
+      ScanExec(line);
+      break;
+    case LineKind::kFetch:
+      ScanFetch(line);
+      break;
+    case LineKind::kRelease:
+      TakeRelease(line);
+      break;
+    case LineKind::kProcessNumber:
+      CloseAll();  // a new trace section starts in the same file
+      break;
+    case LineKind::kParsingInCursor:
+      ScanParsingInCursor(line);
+      break;
+    case LineKind::kParse:
+      ScanParse(line);
+      break;
+    case LineKind::kParseError:
+      ScanParseError(line);
+      break;
+    case LineKind::kStat:
+      ScanStat(line);
+      break;
+    case LineKind::kWait:
+      ScanWait(line);
+      break;
+  }
+}
+
+// *** SESSION ID:(9.1407) 2004-05-07 11:20:17.631
+void CTraceParser::TakeSessionTimestamp(std::string_view line) {
+  const std::size_t paren = line.find(')');
+  session_timestamp_.assign(paren == std::string_view::npos ? std::string_view()
+                                                            : From(line, paren + 2));
+  session_timestamp_taken_ = true;
+}
+
+// Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production
+// One character decides: '8' and below are centisecond releases. "Oracle10g" therefore counts
+// as centiseconds too, which is how these traces have always been read.
+void CTraceParser::TakeRelease(std::string_view line) {
+  release_char_ = CharAt(line, 6);
+  time_divisor_ = static_cast<signed char>(release_char_) <= '8' ? 100 : 1000000;
+  const std::size_t release = line.find("Release ");
+  if (release != std::string_view::npos) {
+    std::int32_t major = 0;
+    if (FieldScanner(line.substr(release + 8)).Int32(&major).ok()) banner_major_version_ = major;
+  }
+}
+
+void CTraceParser::ScanParse(std::string_view line) {
+  CallRecord call;
+  ScanCallLine(line, kParseKeyword, &call);
+  current_time_ = call.tim;
+  if (TraceStatement* statement = StatementForCursor(call.cursor)) {
+    statement->parse_calls.push_back(call);
+    statement->totals[kParseTotals].Add(call);
+  }
+}
+
+void CTraceParser::ScanExec(std::string_view line) {
+  ExecCallRecord call;
+  ScanCallLine(line, kExecKeyword, &call);
+  current_time_ = call.tim;
+  if (TraceStatement* statement = StatementForCursor(call.cursor)) {
+    call.exebnd = statement->bind_set_count - 1;
+    statement->exec_calls.push_back(call);
+    statement->totals[kExecTotals].Add(call);
+  }
+}
+
+void CTraceParser::ScanFetch(std::string_view line) {
+  CallRecord call;
+  ScanCallLine(line, kFetchKeyword, &call);
+  current_time_ = call.tim;
+  if (TraceStatement* statement = StatementForCursor(call.cursor)) {
+    statement->fetch_calls.push_back(call);
+    statement->totals[kFetchTotals].Add(call);
+  }
+}
+
+void CTraceParser::ReadSqlText(std::int32_t len, std::string* text) {
+  const std::int64_t wanted = std::int64_t{len} - 2;
+  std::string_view line;
+  while (static_cast<std::int64_t>(text->size()) < wanted && NextLine(&line)) text->append(line);
+}
+
+void CTraceParser::ScanParsingInCursor(std::string_view line) {
+  ParseInCursorRecord header;
+  ScanCursorLine(line, &header);
+  ReadSqlText(header.len, &header.text);
+  FileCursorHeader(std::move(header));
+}
+
+void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
+  if (first_cursor_time_pending_) {
+    first_cursor_time_ = header.tim;
+    first_cursor_time_pending_ = false;
+  }
+  const CursorNo cursor = header.cursor;
+  CloseCursor(cursor);
+  TraceStatement* statement = merge_identical_sql_ ? ReopenBySqlText(header.text) : nullptr;
+  if (statement != nullptr) {
+    statement->cursor = cursor;  // the header stays the one first seen
+  } else {
+    statement = table_.OpenNew(cursor);
+    statement->header = std::move(header);
+  }
+  table_.Cache(cursor, statement);
+  if (statement_limit_ != 0 &&
+      static_cast<std::int64_t>(table_.closed().size()) >= statement_limit_) {
+    stop_ = true;
+  }
+}
+
+void CTraceParser::ScanParseError(std::string_view line) {
+  ParseErrorRecord error;
+  ScanParseErrorLine(line, &error);
+  ReadSqlText(error.len, &error.text);
+  const CursorNo cursor = error.cursor;
+  CloseCursor(cursor);
+  TraceStatement* statement = table_.OpenNew(cursor);
+  statement->parse_error = std::move(error);
+  statement->is_parse_error = true;
+  table_.Cache(cursor, statement);
+}
+
+void CTraceParser::ScanStat(std::string_view line) {
+  StatRecord stat;
+  ScanStatLine(line, &stat);
+  if (TraceStatement* statement = StatementForCursor(stat.cursor)) {
+    statement->stats.push_back(std::move(stat));
+  }
+}
+
+void CTraceParser::ScanWait(std::string_view line) {
+  WaitRecord wait;
+  ScanWaitLine(line, &wait);
+  // 9i waits carry no time of their own: each one moves the trace time on by its ela.
+  wait.tim = WrappingAdd(current_time_, wait.ela);
+  current_time_ = wait.tim;
+  if (TraceStatement* statement = StatementForCursor(wait.cursor)) {
+    wait.nam = wait_names_.Intern(wait.nam);
+    statement->waits.push_back(wait);
+  }
+}
+
+// BINDS #2:
+//  bind 0: dty=2 mxl=22(22) mal=00 scl=00 pre=00 oacflg=08 oacfl2=1 size=24 offset=0
+//    bfp=0a4f1c08 bln=22 avl=02 flg=05
+//    value=59
+// EXEC #2:c=0,e=174,p=0,cr=0,cu=0,mis=0,r=0,dep=1,og=4,tim=1083929217636632
+// The block ends at the first line without "bind"; that line is left in the line buffer.
+void CTraceParser::ScanBinds(std::string_view line) {
+  CursorNo cursor = 0;
+  ScanBindsLine(line, &cursor);
+  TraceStatement* statement = StatementForCursor(cursor);
+  std::int32_t bind_set = 0;
+  if (statement != nullptr) bind_set = statement->bind_set_count++;
+
+  std::string_view in_hand;
+  bool have_line = NextLine(&in_hand);
+  while (have_line) {
+    if (!Contains(in_hand, "bind")) {
+      line_buffer_ = in_hand;
+      return;
+    }
+    if (!Contains(in_hand, "dty")) {  //  bind 1: (No oacdef for this bind)
+      have_line = NextLine(&in_hand);
+      continue;
+    }
+    BindRecord bind;
+    bind.cursor = cursor;
+    bind.bind_set = bind_set;
+    have_line = ReadBind(&in_hand, &bind);
+    if (statement != nullptr) statement->binds.push_back(std::move(bind));
+  }
+  line_buffer_ = {};
+}
+
+bool CTraceParser::ReadBind(std::string_view* line, BindRecord* bind) {
+  ScanBindDefinitionLine(*line, bind);
+  if (!NextLine(line)) return false;
+  if (Contains(*line, "bfp")) {
+    ScanBindBufferLine(*line, bind);
+    if (!NextLine(line)) return false;
+  }
+  if (!Contains(*line, "value")) return true;
+  ScanBindValueLine(*line, bind);
+  return NextLine(line);
+}
+
+}  // namespace parser
