@@ -5,6 +5,7 @@
 #include <exception>
 #include <iostream>
 
+#include "cli/local_commands.h"
 #include "cli/share_commands.h"
 #include "support/exceptions.h"
 
@@ -23,6 +24,7 @@ int main(int argc, char** argv) {
   CLI::App app("Oracle SQL trace files to TKPROF-style reports and XML documents", "pelicor");
   app.set_version_flag("--version", kVersion);
   app.require_subcommand(1);
+  cli::AddLocalCommands(app);
   cli::AddShareCommands(app);
   try {
     app.parse(argc, argv);

@@ -26,6 +26,7 @@ bool TraceFileReader::Seek(std::uint64_t offset) {
   in_->clear();
   in_->seekg(static_cast<std::streamoff>(offset), std::ios::beg);
   begin_ = end_ = next_nul_ = next_asterisks_ = 0;
+  read_position_ = offset;
   source_done_ = false;
   at_end_ = false;
   return !in_->fail();
@@ -41,6 +42,7 @@ void TraceFileReader::Fill() {
     in_->read(block_.data() + end_, static_cast<std::streamsize>(block_.size() - end_));
     const auto got = static_cast<std::size_t>(in_->gcount());
     end_ += got;
+    read_position_ += got;
     if (got == 0 || !in_->good()) source_done_ = true;
     next_nul_ = NextByte('\0', begin_);
     next_asterisks_ = NextAsterisks(begin_);

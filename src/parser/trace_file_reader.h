@@ -49,6 +49,9 @@ class TraceFileReader {
   // piece when that piece has no newline, else only after ReadPiece() has answered false.
   bool AtEnd() const { return at_end_; }
 
+  // Where the next block read starts, in bytes from the file's start: how far reading has got.
+  std::uint64_t ReadPosition() const { return read_position_; }
+
  private:
   // Makes sure the block holds at least kLookahead bytes past begin_, or all that is left.
   void Fill();
@@ -71,6 +74,7 @@ class TraceFileReader {
   std::size_t next_nul_ = 0;        // first NUL at or after begin_, end_ when none
   std::size_t next_asterisks_ = 0;  // likewise for "***"
   bool piece_has_asterisks_ = false;
+  std::uint64_t read_position_ = 0;
   std::array<char, kPieceLimit> copy_{};
 };
 

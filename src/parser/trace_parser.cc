@@ -202,6 +202,10 @@ bool CTraceParser::NextLine(std::string_view* line) {
 bool CTraceParser::ReadFileLine(std::string_view* line) {
   if (file_ == nullptr || !file_->ReadPiece(line)) return false;
   line_may_mark_limit_ = file_->PieceHasAsterisks();
+  if (progress_ && file_->ReadPosition() != reported_position_) {
+    reported_position_ = file_->ReadPosition();
+    progress_(reported_position_);
+  }
   return true;
 }
 

@@ -15,10 +15,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "parser/document_context.h"
 #include "parser/line_source.h"
 #include "parser/name_pool.h"
 #include "parser/records.h"
@@ -67,6 +70,10 @@ class CTraceParser {
   virtual void ParseDatabaseReader(LineSource& reader, const std::string& name,
                                    std::uint64_t offset);
 
+  // Called with the number of bytes of a local file read so far, once for each block read.
+  using ProgressCallback = std::function<void(std::uint64_t bytes_read)>;
+  void SetProgressCallback(ProgressCallback callback) { progress_ = std::move(callback); }
+
   // Hands one line to the scanner of its kind. Scanners that read further lines (SQL text,
   // BINDS blocks) take them from the source of the parse in progress, if any.
   virtual void DispatchLine(std::string_view line);
@@ -85,6 +92,26 @@ class CTraceParser {
   StatementList& ClosedStatements() { return table_.closed(); }
   const StatementList& ClosedStatements() const { return table_.closed(); }
   const StatementList& OpenStatements() const { return table_.open(); }
+
+  // --- Output ------------------------------------------------------------------------------
+  // The call-by-call document of the closed statements, next to `file_name` with the extension
+  // xml, in the output directory. Throws "Trace parser failed to create output XML file!".
+  virtual void CreateXML(std::string file_name);
+  // The aggregated document of every closed statement; sets the time divisor from the Oracle
+  // major version (the database version's, else the banner's).
+  virtual void CreateTkprofXML(std::string file_name);
+  // The aggregated document of the statements whose SQL text holds the statement identifier;
+  // exactly one must match.
+  virtual void CreateSortedXML(std::string file_name);
+  // Puts the closed statements in order by the sort options; nothing without options.
+  virtual void SortClosedStatements();
+  // The TKPROF-style text report of the closed statements (standard output by default).
+  virtual void WriteTextReport(std::ostream& out);
+  virtual void WriteTextReport();
+  // `text` with &, <, > and " replaced by their entities.
+  virtual std::string EscapeXml(std::string_view text) const;
+  // What the writers read besides the closed statements.
+  DocumentContext MakeDocumentContext() const;
 
   // --- Settings and state for the writers and the facade -----------------------------------
   // Kept with the platform's path separator appended.
@@ -185,6 +212,8 @@ class CTraceParser {
   std::string_view line_buffer_;
   bool line_may_mark_limit_ = true;
   NamePool wait_names_;
+  ProgressCallback progress_;
+  std::uint64_t reported_position_ = 0;
 };
 
 }  // namespace parser

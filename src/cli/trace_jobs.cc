@@ -1,0 +1,151 @@
+#include "cli/trace_jobs.h"
+
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "cli/scratch_dir.h"
+#include "parser/call_xml_writer.h"
+#include "parser/output_sink.h"
+#include "parser/trace_parser.h"
+#include "parser/xml_paths.h"
+
+namespace cli {
+
+namespace {
+
+void AddSortOptions(CLI::App& command, SortFlags& sort) {
+  command.add_option("--sort", sort.kinds, "Sort by the totals of these calls: prs,exe,fch")
+      ->option_text("KINDS");
+  command
+      .add_option("--key", sort.key,
+                  "Sort key: count|cpu|elapsed|disk|query|current|"
+                  "misses|rows")
+      ->capture_default_str();
+}
+
+// Keeps the sort options alive as long as the parser that points at them.
+struct ParseSetup {
+  std::optional<parser::SortOptions> sort;
+  parser::CTraceParser parser;
+
+  explicit ParseSetup(const SortFlags& flags)
+      : sort(ToSortOptions(flags)), parser(sort ? &*sort : nullptr, false) {}
+};
+
+std::uint64_t FileSize(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : size;
+}
+
+std::uint8_t ParseFlags(const XmlJob& job) {
+  std::uint8_t flags = 0;
+  if (job.skip_waits) flags |= parser::kSkipWaits;
+  if (job.skip_binds) flags |= parser::kSkipBinds;
+  if (job.top_level) flags |= parser::kTopLevelOnly;
+  return flags;
+}
+
+// Parses the whole file, with progress on a terminal, and sorts the statements.
+void ParseWhole(parser::CTraceParser& parser, const std::string& trace, std::uint8_t flags) {
+  ProgressMeter progress("parsing " + trace, FileSize(trace));
+  parser.SetProgressCallback([&progress](std::uint64_t done) { progress.Update(done); });
+  if (flags == 0) {
+    parser.Parse(trace, 0);
+  } else {
+    // The batch form is the one that takes the skip flags; limit 0 reads the file to its end.
+    parser.ParseBatch(trace, 0, flags);
+    parser.CloseAll();
+  }
+  parser.SetProgressCallback(nullptr);
+  parser.SortClosedStatements();
+}
+
+void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) {
+  const parser::DocumentContext context = parser.MakeDocumentContext();
+  if (output.empty()) {
+    parser::OutputSink sink(std::cout, parser::LineEnds::kNative);
+    parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+    if (!sink.Close()) throw std::runtime_error("cannot write to standard output");
+    return;
+  }
+  parser::OutputSink sink;
+  if (!sink.OpenFile(output)) throw std::runtime_error("cannot create " + output);
+  parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+  if (!sink.Close()) throw std::runtime_error("cannot write " + output);
+}
+
+// The aggregated writers put their document next to the trace name they are given: give them
+// a name in a scratch directory and hand the document on from there.
+void WriteAggregatedDocument(parser::CTraceParser& parser, const std::string& trace, bool sorted,
+                             const std::string& output) {
+  ScratchDir scratch;
+  const std::string name = std::filesystem::path(trace).filename().string();
+  const std::string scratch_name = (scratch.path() / name).string();
+  if (sorted) {
+    parser.CreateSortedXML(scratch_name);
+  } else {
+    parser.CreateTkprofXML(scratch_name);
+  }
+  DeliverFile(parser::AggregatedXmlPath(scratch_name), output);
+}
+
+}  // namespace
+
+XmlKind XmlJob::Kind() const {
+  if (!statement.empty()) return XmlKind::kStatement;
+  return aggregate ? XmlKind::kAggregate : XmlKind::kCalls;
+}
+
+void AddReportOptions(CLI::App& command, ReportJob& job) {
+  AddSortOptions(command, job.sort);
+}
+
+void AddXmlOptions(CLI::App& command, XmlJob& job) {
+  CLI::Option* calls = command.add_flag("--calls", "Every call, bind, wait and plan row (default)");
+  CLI::Option* aggregate =
+      command.add_flag("--aggregate", job.aggregate, "One TKPROF-like entry per statement");
+  CLI::Option* statement =
+      command.add_option("--statement", job.statement,
+                         "Only the statement whose SQL text holds TEXT, with plan details");
+  statement->option_text("TEXT");
+  calls->excludes(aggregate)->excludes(statement);
+  aggregate->excludes(statement);
+  AddSortOptions(command, job.sort);
+  command.add_flag("--skip-waits", job.skip_waits, "Leave out WAIT lines (call document)");
+  command.add_flag("--skip-binds", job.skip_binds, "Leave out BINDS blocks (call document)");
+  command.add_flag("--top-level", job.top_level, "Only statements of depth 0 (call document)");
+  command.add_option("-o,--output", job.output, "Write to FILE, not standard output")
+      ->option_text("FILE");
+}
+
+void RunReport(const std::string& trace, const ReportJob& job) {
+  ParseSetup setup(job.sort);
+  ParseWhole(setup.parser, trace, 0);
+  setup.parser.WriteTextReport(std::cout);
+  std::cout.flush();
+}
+
+void RunXml(const std::string& trace, const XmlJob& job) {
+  ParseSetup setup(job.sort);
+  if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
+  ParseWhole(setup.parser, trace, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0);
+  switch (job.Kind()) {
+    case XmlKind::kCalls:
+      WriteCallDocument(setup.parser, job.output);
+      break;
+    case XmlKind::kAggregate:
+      WriteAggregatedDocument(setup.parser, trace, false, job.output);
+      break;
+    case XmlKind::kStatement:
+      WriteAggregatedDocument(setup.parser, trace, true, job.output);
+      break;
+  }
+}
+
+}  // namespace cli
