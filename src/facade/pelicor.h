@@ -1,0 +1,187 @@
+// CPelicor, the service object: it keeps the caller's settings (working directory, sort
+// options, FTP, file-share and UTL connection data), the trace file found for a session with
+// the offset from which its new lines start, and, between the calls of a batch parse, the
+// parser and the transport that feeds it.
+//
+// Every method follows the same rules: `msg` receives "OK" on success ("MORE" when a batch
+// parse has more to read) and the method returns 0; a failure puts its message alone into `msg`
+// and returns 1. No exception of the ExceptionBase family leaves a method. Other outputs
+// (`outputXML`, `fname`) are always set: empty unless the method got as far as filling them.
+//
+// String arguments are `const char*`; nullptr means "missing" (a null string of the host). The
+// session methods (validation, start-up) refuse missing arguments with their own messages;
+// everywhere else a missing string reads as empty text.
+//
+// Local paths join the working directory and a name with the platform separator; an empty
+// working directory gives a lone separator, as the transports and writers have always seen it.
+//
+// One thread calls an object at a time; separate objects are independent.
+#ifndef PELICOR_FACADE_PELICOR_H_
+#define PELICOR_FACADE_PELICOR_H_
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "facade/connect_info.h"
+#include "transport/nfs/nfs_connect_info.h"
+
+namespace parser {
+class CTraceParser;
+class SortOptions;
+}  // namespace parser
+namespace transport {
+class CNfsManager;
+}  // namespace transport
+
+namespace facade {
+
+class FtpSession;
+
+// Which transport the last successful validation or start-up used.
+enum TransportKind : std::int32_t { kNoTransport = 0, kFtp = 1, kFileShare = 2, kUtl = 3 };
+
+class CPelicor {
+ public:
+  CPelicor();
+  ~CPelicor();
+  CPelicor(const CPelicor&) = delete;
+  CPelicor& operator=(const CPelicor&) = delete;
+
+  // --- Settings ----------------------------------------------------------------------------
+  // Stored as given (no separator added), also into the FTP and file-share records.
+  int SetWorkingDir(const char* wDir, std::string* msg);
+  // A new sort-options record (prs, exe, fch true when above 0; key stored as given) replaces
+  // and releases the previous one.
+  int SetSortOption(std::uint16_t prs, std::uint16_t exe, std::uint16_t fch, std::uint16_t key,
+                    std::string* msg);
+  // Stores the four texts; nothing is contacted.
+  int FtpSetConnectInfo(const char* hostname, const char* username, const char* password,
+                        const char* udump, std::string* msg);
+  int NfsSetConnectInfo(const char* udump, std::string* msg);
+
+  // --- Whole-file parses ---------------------------------------------------------------------
+  // Parse `fileName` from the start offset and write the XML next to its name in the working
+  // directory: xmlType 0 call by call, 1 aggregated, 2 both, other values none. `outputXML`
+  // receives the XML file name (the trace name with the extension xml), not the document.
+  // ParseFile opens `fileName` as given; NfsParseFile reads udump + separator + `fileName`;
+  // FtpParseFile streams the remote file. `parseOption` is not used.
+  int ParseFile(const char* fileName, std::uint16_t parseOption, std::uint16_t isAggregated,
+                std::uint16_t xmlType, std::string* outputXML, std::string* msg);
+  int NfsParseFile(const char* fileName, std::uint16_t parseOption, std::uint16_t isAggregated,
+                   std::uint16_t xmlType, std::string* outputXML, std::string* msg);
+  int FtpParseFile(const char* fileName, std::uint16_t parseOption, std::uint16_t isAggregated,
+                   std::uint16_t xmlType, std::string* outputXML, std::string* msg);
+
+  // --- Batch parses --------------------------------------------------------------------------
+  // Each call parses the next portion (`count` statements, 0 for no limit; `flag` bit 0 skips
+  // waits, bit 1 binds, bit 2 keeps top-level statements only), writes the call-by-call XML of
+  // that portion and answers "MORE" while the trace has more. A failure keeps the parser of
+  // ParseFileEx but drops parser and transport of the FTP and file-share forms.
+  int ParseFileEx(const char* fileName, std::uint16_t count, std::uint16_t flag,
+                  std::string* outputXML, std::string* msg);
+  int NfsParseFileEx(const char* fileName, std::uint16_t count, std::uint16_t flag,
+                     std::string* outputXML, std::string* msg);
+  int FtpParseFileEx(const char* fileName, std::uint16_t count, std::uint16_t flag,
+                     std::string* outputXML, std::string* msg);
+
+  // --- Listings and files ---------------------------------------------------------------------
+  // The trace files of the trace directory ("*.trc"), style 0 names, 1 long, into the listing
+  // file of the transport in the working directory.
+  int NfsGetTraceFileList(std::uint16_t listStyle, std::string* msg);
+  int FtpGetTraceFileList(std::uint16_t listStyle, std::string* msg);
+  // Copies the named trace file into the working directory. The file-share copy is not
+  // checked: a failed copy still answers "OK".
+  int NfsGetTraceFile(const char* fileName, std::string* msg);
+  int FtpGetTraceFile(const char* fileName, std::string* msg);
+  // Finds the trace file of server process `PID`: `fname` and the object's trace file name
+  // receive its name, the start offset its size; `contents` other than 0 also copies it.
+  int NfsGetTraceFilePID(const char* PID, std::uint16_t contents, std::string* fname,
+                         std::string* msg);
+  int FtpGetTraceFilePID(const char* PID, std::uint16_t contents, std::string* fname,
+                         std::string* msg);
+  // The long listing of the trace files whose names contain `PID`.
+  int NfsGetTraceFileListPID(const char* PID, std::string* msg);
+  int FtpGetTraceFileListPID(const char* PID, std::string* msg);
+
+  // --- Session validation and start-up ---------------------------------------------------------
+  // Prove that the transport finds the trace file of `PID`; remember the file, its size as the
+  // start offset and the transport. The stored connection data are not changed.
+  int NfsValidation(const char* udump, const char* PID, std::string* msg);
+  int FtpValidation(const char* hostname, const char* username, const char* password,
+                    const char* udump, const char* PID, std::string* msg);
+  int UtlValidation(std::uint64_t oracleHandle, std::uint16_t ver, const char* username,
+                    const char* password, const char* dsn, const char* udump, const char* sid,
+                    const char* PID, std::string* msg);
+  // As the validations, but the connection data are stored, and `outputXML` receives the XML
+  // name of the trace file. Nothing is downloaded or parsed.
+  int ZantivNfsTrcStartUp(const char* udump, const char* PID, std::string* outputXML,
+                          std::string* msg);
+  int ZantivFtpTrcStartUp(const char* hostname, const char* username, const char* password,
+                          const char* udump, const char* PID, std::string* outputXML,
+                          std::string* msg);
+  int ZantivUtlTrcStartUp(std::uint64_t oracleHandle, std::uint16_t ver, const char* username,
+                          const char* password, const char* dsn, const char* udump, const char* sid,
+                          const char* PID, const char* marker, std::string* outputXML,
+                          std::string* msg);
+  // Parses the remembered trace file from the start offset through the remembered transport
+  // and writes the sorted XML of the one statement whose SQL text holds `statement_id`.
+  // Before any validation or start-up it does nothing and answers "OK".
+  int ZantivGetTraceInfo(const char* statement_id, const char* OraVer, std::string* msg);
+
+  // --- State, for tests and diagnostics -------------------------------------------------------
+  const std::string& WorkingDir() const { return working_dir_; }
+  const FtpConnectInfo& FtpInfo() const { return ftp_info_; }
+  const transport::NfsConnectInfo& NfsInfo() const { return nfs_info_; }
+  const UtlConnectInfo& UtlInfo() const { return utl_info_; }
+  const parser::SortOptions* SortOptionsRecord() const { return sort_options_.get(); }
+  const parser::CTraceParser* BatchParser() const { return batch_parser_.get(); }
+  bool HasFtpStream() const { return ftp_stream_ != nullptr; }
+  bool HasShareStream() const { return nfs_stream_ != nullptr; }
+  std::uint32_t StartOffset() const { return start_offset_; }
+  const std::string& TraceFileName() const { return trace_file_name_; }
+  TransportKind Transport() const { return transport_kind_; }
+  const std::string& Marker() const { return marker_; }
+
+ private:
+  // working directory + separator: where downloads, listings and XML files go.
+  std::string LocalPath(const std::string& name) const;
+  // udump of the file-share record + separator + name.
+  std::string SharePath(const std::string& name) const;
+
+  // The whole-file parse shared by the three forms; `parse` reads the trace into the parser.
+  using ParseStep = std::function<void(parser::CTraceParser&)>;
+  void ParseWholeTrace(const std::string& file_name, std::uint16_t isAggregated,
+                       std::uint16_t xmlType, std::string* outputXML, const ParseStep& parse);
+  std::unique_ptr<transport::CNfsManager> MakeShareManager() const;
+  // A session of one call: the stored record, the working directory, logged on.
+  std::unique_ptr<FtpSession> OpenFtpSession() const;
+
+  // Batch state.
+  void StartBatchParser();
+  // Writes the portion just parsed and forgets its statements; "MORE" or "OK".
+  const char* FinishBatchPortion(const std::string& file_name, bool more);
+  void DropShareBatch();
+  void DropFtpBatch();
+  // ZantivGetTraceInfo's reading of the session's trace file over FTP and UTL.
+  void ParseSessionTraceOverFtp(parser::CTraceParser& parser);
+  void ParseSessionTraceOverUtl(parser::CTraceParser& parser);
+
+  FtpConnectInfo ftp_info_;
+  transport::NfsConnectInfo nfs_info_;
+  UtlConnectInfo utl_info_;
+  std::unique_ptr<FtpSession> ftp_stream_;              // during an FTP batch parse
+  std::unique_ptr<transport::CNfsManager> nfs_stream_;  // during a file-share batch parse
+  std::unique_ptr<parser::SortOptions> sort_options_;   // null until SetSortOption
+  std::unique_ptr<parser::CTraceParser> batch_parser_;  // during any batch parse
+  std::string working_dir_;
+  std::uint32_t start_offset_ = 0;
+  std::string trace_file_name_;
+  TransportKind transport_kind_ = kNoTransport;
+  std::string marker_;
+};
+
+}  // namespace facade
+
+#endif  // PELICOR_FACADE_PELICOR_H_
