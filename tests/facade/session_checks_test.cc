@@ -1,0 +1,169 @@
+// The argument checks of the session methods (a null string is missing, an empty one is not),
+// and what the methods of the transports this build lacks answer and leave behind.
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "facade_fixture.h"
+
+namespace facade_test {
+namespace {
+
+constexpr const char* kNoFtp = "FTP transport is not available in this build";
+constexpr const char* kNoUtl = "UTL transport is not available in this build";
+constexpr const char* kPidMissing = "PID is empty or NULL!";
+
+class SessionChecksTest : public FacadeTest {};
+
+using Call =
+    std::function<int(facade::CPelicor&, const char* blank, std::string* out, std::string* msg)>;
+struct CheckRow {
+  const char* name;
+  Call call;            // passes `blank` for the argument under test
+  const char* refusal;  // the answer when `blank` is null
+  const char* later;    // the answer when `blank` is empty: the check lets it through
+};
+
+std::vector<CheckRow> CheckRows() {
+  const char* nfs_later = "NFS working dir or qualified trace path is not set!";
+  return {
+      {"FtpValidation host",
+       [](auto& s, auto b, auto, auto m) { return s.FtpValidation(b, "u", "p", "/d", "1", m); },
+       "hostname/username/password/udump/pid can not be empty or NULL! Check registry setting.",
+       kNoFtp},
+      {"FtpValidation udump",
+       [](auto& s, auto b, auto, auto m) { return s.FtpValidation("h", "u", "p", b, "1", m); },
+       "hostname/username/password/udump/pid can not be empty or NULL! Check registry setting.",
+       kNoFtp},
+      {"FtpValidation PID",
+       [](auto& s, auto b, auto, auto m) { return s.FtpValidation("h", "u", "p", "/d", b, m); },
+       kPidMissing, kNoFtp},
+      {"NfsValidation udump",
+       [](auto& s, auto b, auto, auto m) { return s.NfsValidation(b, "1", m); },
+       "udump can not be empty or NULL! Check registry setting.", nfs_later},
+      {"UtlValidation sid",
+       [](auto& s, auto b, auto, auto m) {
+         return s.UtlValidation(1, 92, "u", "p", "tns", "/d", b, "1", m);
+       },
+       "username/pwd/tns/udump/sid is empty or NULL!", kNoUtl},
+      {"UtlValidation PID",
+       [](auto& s, auto b, auto, auto m) {
+         return s.UtlValidation(1, 92, "u", "p", "tns", "/d", "orcl", b, m);
+       },
+       kPidMissing, kNoUtl},
+      {"ZantivFtpTrcStartUp password",
+       [](auto& s, auto b, auto o, auto m) {
+         return s.ZantivFtpTrcStartUp("h", "u", b, "/d", "1", o, m);
+       },
+       "Hostname/username/password/udump can not be empty! Check registry setting.", kNoFtp},
+      {"ZantivNfsTrcStartUp PID",
+       [](auto& s, auto b, auto o, auto m) { return s.ZantivNfsTrcStartUp("/d", b, o, m); },
+       "udump/PID can not be empty! Check registry setting.",
+       "NFS failed to open trace file for the session!"},
+      {"ZantivNfsTrcStartUp udump",
+       [](auto& s, auto b, auto o, auto m) { return s.ZantivNfsTrcStartUp(b, "1", o, m); },
+       "udump/PID can not be empty! Check registry setting.", nfs_later},
+      {"ZantivUtlTrcStartUp username",
+       [](auto& s, auto b, auto o, auto m) {
+         return s.ZantivUtlTrcStartUp(1, 92, b, "p", nullptr, "/d", nullptr, nullptr, nullptr, o,
+                                      m);
+       },
+       "username/password/udump can not be empty! Check registry setting.", kNoUtl},
+  };
+}
+
+TEST_F(SessionChecksTest, NullIsMissingAndEmptyIsNot) {
+  for (const CheckRow& row : CheckRows()) {
+    SCOPED_TRACE(row.name);
+    facade::CPelicor fresh;
+    std::string out = "stale";
+    std::string msg;
+    EXPECT_EQ(row.call(fresh, nullptr, &out, &msg), 1);
+    EXPECT_EQ(msg, row.refusal);
+    EXPECT_EQ(fresh.Transport(), facade::kNoTransport);
+    EXPECT_EQ(fresh.FtpInfo().host_name, "");
+    EXPECT_EQ(row.call(fresh, "", &out, &msg), 1);
+    EXPECT_EQ(msg, row.later);
+    if (std::string(row.name).rfind("Zantiv", 0) == 0) {
+      EXPECT_EQ(out, "");
+    }
+  }
+}
+
+// PID is not among the FTP start-up's checks.
+TEST_F(SessionChecksTest, FtpStartUpStoresItsSettingsEvenWhenTheLookupFails) {
+  EXPECT_EQ(service_.FtpSetConnectInfo("old", "old", "old", "/old", &msg_), 0);
+  EXPECT_EQ(service_.FtpValidation("h", "u", "p", "/d", "1", &msg_), 1);
+  EXPECT_EQ(service_.FtpInfo().host_name, "old");
+  EXPECT_EQ(service_.ZantivFtpTrcStartUp("db1", "scott", "tiger", "/udump", nullptr, &out_, &msg_),
+            1);
+  EXPECT_EQ(msg_, kNoFtp);
+  EXPECT_EQ(service_.FtpInfo().host_name, "db1");
+  EXPECT_EQ(service_.FtpInfo().user_name, "scott");
+  EXPECT_EQ(service_.FtpInfo().password, "tiger");
+  EXPECT_EQ(service_.FtpInfo().udump, "/udump");
+  EXPECT_EQ(service_.FtpInfo().working_dir, work().string());
+  EXPECT_EQ(service_.Transport(), facade::kNoTransport);
+}
+
+TEST_F(SessionChecksTest, FtpMethodsNeedTheTransport) {
+  const std::vector<std::function<int()>> calls = {
+      [&] { return service_.FtpGetTraceFileList(0, &msg_); },
+      [&] { return service_.FtpGetTraceFileListPID("1", &msg_); },
+      [&] { return service_.FtpGetTraceFile(kTrace, &msg_); },
+      [&] { return service_.FtpGetTraceFilePID("1", 1, &out_, &msg_); },
+  };
+  for (const auto& call : calls) {
+    out_ = "stale";
+    EXPECT_EQ(call(), 1);
+    EXPECT_EQ(msg_, kNoFtp);
+  }
+  EXPECT_EQ(out_, "");
+  EXPECT_FALSE(fs::exists(work() / "FtpTraceFileList.txt"));
+}
+
+// UTL is chosen before connecting, so a failed validation still names it, and the statement
+// document then needs the UTL transport.
+TEST_F(SessionChecksTest, UtlMethodsRecordTheirChoiceThenFail) {
+  EXPECT_EQ(service_.UtlValidation(1, 92, "u", "p", "tns", "/d", "orcl", "1", &msg_), 1);
+  EXPECT_EQ(msg_, kNoUtl);
+  EXPECT_EQ(service_.Transport(), facade::kUtl);
+  EXPECT_EQ(service_.ZantivGetTraceInfo("select", "9.2.0.4.0", &msg_), 1);
+  EXPECT_EQ(msg_, kNoUtl);
+
+  const std::uint64_t handle = 0x1234567890ULL;
+  EXPECT_EQ(service_.ZantivUtlTrcStartUp(handle, 8, "scott", "tiger", "orcl", "/d", "orcl", "1",
+                                         "marker", &out_, &msg_),
+            1);
+  EXPECT_EQ(service_.UtlInfo().oracle_handle, handle);  // full width
+  EXPECT_EQ(service_.UtlInfo().release.major, 9);
+  EXPECT_EQ(service_.UtlInfo().release.minor, 8);
+  EXPECT_EQ(service_.UtlInfo().user_name, "scott");
+  EXPECT_EQ(service_.UtlInfo().dsn, "orcl");
+}
+
+TEST(OracleRelease, DecodesTheHostsOneNumberForm) {
+  struct Row {
+    std::uint16_t ver;
+    int major;
+    int minor;
+  };
+  for (const Row row :
+       {Row{92, 9, 2}, Row{81, 8, 1}, Row{8, 9, 8}, Row{0, 1, 0}, Row{102, 10, 2}}) {
+    const facade::OracleRelease release = facade::DecodeOracleRelease(row.ver);
+    EXPECT_EQ(release.major, row.major) << row.ver;
+    EXPECT_EQ(release.minor, row.minor) << row.ver;
+  }
+}
+
+// Before any validation or start-up there is nothing to read and nothing is written.
+TEST_F(SessionChecksTest, StatementDocumentBeforeAnyStartUpIsHarmless) {
+  AddTrace(root());
+  EXPECT_EQ(service_.ZantivGetTraceInfo("select", "9.2.0.4.0", &msg_), 0);
+  EXPECT_EQ(msg_, "OK");
+  EXPECT_TRUE(fs::is_empty(work()));
+  EXPECT_FALSE(fs::exists(root() / kXml));
+}
+
+}  // namespace
+}  // namespace facade_test
