@@ -1,0 +1,157 @@
+/* The C ABI from C, on real files: a trace directory with one trace, a working directory, and
+ * every kind of call a host makes. Usage: c_api_test <fixture trace>. */
+#define _XOPEN_SOURCE 700
+#include <ftw.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+
+#include "pelicor/pelicor.h"
+
+static int failures = 0;
+
+#define CHECK(cond)                                                            \
+  do {                                                                         \
+    if (!(cond)) {                                                             \
+      fprintf(stderr, "%s:%d: CHECK failed: %s\n", __FILE__, __LINE__, #cond); \
+      ++failures;                                                              \
+    }                                                                          \
+  } while (0)
+
+/* Checks result and message, then frees the message. */
+static void expect(int result, char* msg, int want_result, const char* want_msg, int line) {
+  if (msg == NULL || result != want_result || strcmp(msg, want_msg) != 0) {
+    fprintf(stderr, "line %d: got %d \"%s\", want %d \"%s\"\n", line, result, msg ? msg : "(null)",
+            want_result, want_msg);
+    ++failures;
+  }
+  pelicor_free(msg);
+}
+#define EXPECT(call, want_result, want_msg)          \
+  do {                                               \
+    char* msg = NULL;                                \
+    int r = call;                                    \
+    expect(r, msg, want_result, want_msg, __LINE__); \
+  } while (0)
+
+static int copy_file(const char* from, const char* to) {
+  FILE* in = fopen(from, "rb");
+  FILE* out = fopen(to, "wb");
+  char buffer[4096];
+  size_t n;
+  int ok = in != NULL && out != NULL;
+  while (ok && (n = fread(buffer, 1, sizeof buffer, in)) > 0) ok = fwrite(buffer, 1, n, out) == n;
+  if (in) fclose(in);
+  if (out) fclose(out);
+  return ok;
+}
+
+static int file_exists(const char* path) {
+  FILE* file = fopen(path, "rb");
+  if (file) fclose(file);
+  return file != NULL;
+}
+
+static void share_and_parse(pelicor* p, const char* root) {
+  char udump[512], work[512], path[600];
+  char* out = NULL;
+  snprintf(udump, sizeof udump, "%s/udump", root);
+  snprintf(work, sizeof work, "%s/work", root);
+
+  EXPECT(pelicor_SetWorkingDir(p, work, &msg), 0, "OK");
+  EXPECT(pelicor_NfsSetConnectInfo(p, udump, &msg), 0, "OK");
+  EXPECT(pelicor_NfsGetTraceFileList(p, 0, &msg), 0, "OK");
+  snprintf(path, sizeof path, "%s/NfsTraceFileList.txt", work);
+  CHECK(file_exists(path));
+
+  EXPECT(pelicor_NfsGetTraceFilePID(p, "4242", 1, &out, &msg), 0, "OK");
+  CHECK(out != NULL && strcmp(out, "orcl_ora_4242.trc") == 0);
+  pelicor_free(out);
+  snprintf(path, sizeof path, "%s/orcl_ora_4242.trc", work);
+  CHECK(file_exists(path));
+
+  /* The lookup's offset is the end of the trace; a new object parses it from the start. */
+  {
+    pelicor* fresh = pelicor_new();
+    EXPECT(pelicor_SetWorkingDir(fresh, work, &msg), 0, "OK");
+    EXPECT(pelicor_NfsSetConnectInfo(fresh, udump, &msg), 0, "OK");
+    EXPECT(pelicor_NfsParseFile(fresh, "orcl_ora_4242.trc", 0, 0, 0, &out, &msg), 0, "OK");
+    CHECK(out != NULL && strcmp(out, "orcl_ora_4242.xml") == 0);
+    pelicor_free(out);
+    snprintf(path, sizeof path, "%s/orcl_ora_4242.xml", work);
+    CHECK(file_exists(path));
+    /* Batches: "MORE" until the trace is read. */
+    EXPECT(pelicor_NfsParseFileEx(fresh, "orcl_ora_4242.trc", 1, 0, &out, &msg), 0, "MORE");
+    pelicor_free(out);
+    EXPECT(pelicor_NfsParseFileEx(fresh, "orcl_ora_4242.trc", 1, 0, &out, &msg), 0, "MORE");
+    pelicor_free(out);
+    EXPECT(pelicor_NfsParseFileEx(fresh, "orcl_ora_4242.trc", 1, 0, NULL, &msg), 0, "OK");
+    pelicor_delete(fresh);
+  }
+
+  EXPECT(pelicor_ZantivNfsTrcStartUp(p, udump, "4242", &out, &msg), 0, "OK");
+  CHECK(out != NULL && strcmp(out, "orcl_ora_4242.xml") == 0);
+  pelicor_free(out);
+  EXPECT(pelicor_NfsValidation(p, udump, "4242", &msg), 0, "OK");
+}
+
+/* Failures: the message of the failure, every output set, NULL where the host may pass it. */
+static void failures_and_checks(pelicor* p) {
+  char* out = NULL;
+  EXPECT(pelicor_ParseFile(p, "trace.log", 0, 0, 0, &out, &msg), 1,
+         "Filename does not contain '.trc' !");
+  CHECK(out != NULL && out[0] == '\0');
+  pelicor_free(out);
+  EXPECT(pelicor_ParseFile(p, NULL, 0, 0, 0, NULL, &msg), 1, "Filename does not contain '.trc' !");
+  EXPECT(pelicor_NfsValidation(p, NULL, "1", &msg), 1,
+         "udump can not be empty or NULL! Check registry setting.");
+  EXPECT(pelicor_FtpValidation(p, "h", "u", "p", "/d", NULL, &msg), 1, "PID is empty or NULL!");
+  EXPECT(pelicor_ZantivFtpTrcStartUp(p, "h", NULL, "p", "/d", "1", &out, &msg), 1,
+         "Hostname/username/password/udump can not be empty! Check registry setting.");
+  CHECK(out != NULL && out[0] == '\0');
+  pelicor_free(out);
+  EXPECT(pelicor_UtlValidation(p, 1, 92, "u", "p", "tns", "/d", NULL, "1", &msg), 1,
+         "username/pwd/tns/udump/sid is empty or NULL!");
+  EXPECT(pelicor_ZantivUtlTrcStartUp(p, 1, 92, "u", "p", NULL, "/d", "s", "1", "m", &out, &msg), 1,
+         "UTL transport is not available in this build");
+  pelicor_free(out);
+  EXPECT(pelicor_FtpGetTraceFileList(p, 0, &msg), 1,
+         "FTP transport is not available in this build");
+  EXPECT(pelicor_ZantivGetTraceInfo(p, "select", "9.2.0.4.0", &msg), 1,
+         "UTL transport is not available in this build");
+  EXPECT(pelicor_SetSortOption(p, 1, 0, 1, 1, &msg), 0, "OK");
+  EXPECT(pelicor_SetWorkingDir(NULL, "/tmp", &msg), 1, "pelicor: the object is NULL");
+  pelicor_free(NULL);
+  pelicor_delete(NULL);
+}
+
+static int remove_entry(const char* path, const struct stat* st, int flag, struct FTW* ftw) {
+  (void)st;
+  (void)flag;
+  (void)ftw;
+  return remove(path);
+}
+
+int main(int argc, char** argv) {
+  char root[] = "/tmp/pelicor_c_api_XXXXXX";
+  char path[600];
+  pelicor* p;
+  if (argc != 2 || mkdtemp(root) == NULL) return 2;
+  snprintf(path, sizeof path, "%s/work", root);
+  if (mkdir(path, 0755) != 0) return 2;
+  snprintf(path, sizeof path, "%s/udump", root);
+  if (mkdir(path, 0755) != 0) return 2;
+  snprintf(path, sizeof path, "%s/udump/orcl_ora_4242.trc", root);
+  if (!copy_file(argv[1], path)) return 2;
+
+  p = pelicor_new();
+  CHECK(p != NULL);
+  share_and_parse(p, root);
+  failures_and_checks(p);
+  pelicor_delete(p);
+
+  nftw(root, remove_entry, 16, FTW_DEPTH | FTW_PHYS);
+  if (failures) fprintf(stderr, "%d failure(s)\n", failures);
+  return failures ? 1 : 0;
+}
