@@ -36,6 +36,26 @@ bool EndsReply(const char* line, int length) {
          !(length > 3 && line[3] == '-');
 }
 
+// A reply too long for the buffer keeps its start; the rest is read and dropped, so that
+// the next command still reads its own reply. `mid_line` says that a line was cut short and
+// its remainder is still unread; `line_ends` whether that line is the reply's last.
+int DropRestOfReply(Socket socket, int timeout_s, LogHandle log, bool mid_line, bool line_ends) {
+  char spare[512];
+  for (;;) {
+    int length = 0;
+    const int status = ReadLine(socket, spare, sizeof spare, timeout_s, log, &length);
+    if (status == kTcpOverflow) {
+      if (!mid_line) line_ends = EndsReply(spare, static_cast<int>(sizeof spare) - 1);
+      mid_line = true;
+      continue;
+    }
+    if (status != kTcpSuccess) return status;
+    if (!mid_line) line_ends = EndsReply(spare, length);
+    if (line_ends) return kTcpSuccess;
+    mid_line = false;
+  }
+}
+
 int MultiLineResult(int status) {
   switch (status) {
     case kTcpSuccess:
@@ -73,22 +93,24 @@ int TnReadMultiLine(Socket socket, char* buffer, int size, int timeout_s, LogHan
   std::memset(buffer, 0, static_cast<std::size_t>(size));
   int position = 0;
   int status = kTcpSuccess;
-  bool full = false;
   for (;;) {
-    // Once the buffer is nearly full the rest of a long reply is read into a spare line and
-    // dropped, so the next command still reads its own reply.
-    char spare[512];
-    char* into = full ? spare : buffer + position;
-    const int room = full ? static_cast<int>(sizeof spare) : size - position;
+    char* line = buffer + position;
     int length = 0;
-    status = ReadLine(socket, into, room, timeout_s, log, &length);
-    if (status != kTcpSuccess) break;
-    if (EndsReply(into, length)) break;
-    if (!full) position += length;
-    if (!full && position >= size - 5) full = true;
-    if (!full) buffer[position++] = '\n';
+    status = ReadLine(socket, line, size - position, timeout_s, log, &length);
+    if (status == kTcpOverflow) {
+      TraceHexDump("Overflow", buffer, std::strlen(buffer));
+      status = DropRestOfReply(socket, timeout_s, log, true, EndsReply(line, size - position - 1));
+      if (status == kTcpSuccess) status = kTcpOverflow;
+      break;
+    }
+    if (status != kTcpSuccess || EndsReply(line, length)) break;
+    position += length;
+    if (position >= size - 5) {
+      status = DropRestOfReply(socket, timeout_s, log, false, false);
+      break;
+    }
+    buffer[position++] = '\n';
   }
-  if (status == kTcpOverflow) TraceHexDump("Overflow", buffer, std::strlen(buffer));
   status = MultiLineResult(status);
   Trace(kTraceExit, "TnReadMultiLine: return code ", status);
   return status;
