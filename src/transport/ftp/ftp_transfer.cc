@@ -57,23 +57,42 @@ const char* RetrieveVerb(int action) {
   return "RETR";
 }
 
+// ABOR with the Telnet "interrupt process" and "synch" in front, the synch as urgent data, as
+// BSD clients send it: IAC IP IAC(urgent) DM "ABOR\r\n". The urgent byte makes a server
+// that is busy sending (proftpd) look at its control connection. ABOR itself goes in band:
+// as urgent data its last byte would be taken out of the stream and the server would read
+// the next command glued to "ABOR\r".
+int SendAbort(FtpSession& session) {
+  const char synch[] = {'\xff', '\xf4', '\xff'};
+  if (TcpSend(session.control, synch, sizeof synch, true, kNoLog) != kTcpSuccess) {
+    return kFtpCannotSend;
+  }
+  return SendLine(session,
+                  "\xf2"
+                  "ABOR");
+}
+
 }  // namespace
 
+// The data connection is drained and closed before the replies are read: a server blocked
+// in sending (proftpd) answers ABOR only once its data connection is gone, while a server
+// that stopped sends its 426 and the ABOR reply either way.
 int AbortAction(FtpSession& session, bool drain, bool notify, int debug_position) {
   if (session.verbose) {
     TraceRaw("entering AbortAction, Debug pos " + std::to_string(debug_position) + "\r\n");
   }
   session.aborted = false;
-  int reply = kNoReply;
-  for (int tries = 0; tries < kMaxAborRetries; ++tries) {
-    if (SendLine(session, "ABOR", true) != kFtpOk) break;
-    reply = ReadReply(session);
-    if (reply != 500) break;
-  }
-  reply = ReadReply(session);
+  int sent = SendAbort(session);
   CloseLocalFile(session);
   if (drain) DrainData(session);
   TcpClose(&session.data_socket);
+  int reply = kNoReply;
+  for (int tries = 1; sent == kFtpOk; ++tries) {
+    reply = ReadReply(session);
+    if (reply != 500 || tries == kMaxAborRetries) break;
+    sent = SendAbort(session);
+  }
+  reply = ReadReply(session);
   if (notify && session.asynchronous) Notify(session, FtpEvent::kFinished, kFtpAborted);
   TcpFlush(session.control);
   return reply;
