@@ -44,7 +44,8 @@ class Session:
             line = self.reader.readline()
             if not line:
                 return
-            line = line.rstrip(b"\r\n").decode("latin-1")
+            # Telnet IP and synch in front of ABOR are not part of the command.
+            line = line.rstrip(b"\r\n").lstrip(b"\xff\xf4\xf2").decode("latin-1")
             self.transcript.write(line + "\n")
             self.transcript.flush()
             verb, _, arg = line.partition(" ")
@@ -182,6 +183,7 @@ class ContinuationWithoutCode(Session):
 
 SCENARIOS = {
     "normal": Session,
+    "normal_active": Session,
     "greeting_421": Greeting421,
     "silent": Silent,
     "mid_421": Mid421,

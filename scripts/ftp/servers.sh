@@ -115,13 +115,21 @@ start() {
   trap - ERR EXIT
 }
 
-# Stops the server whose timeout wrapper has its pid in FILE (and the wrapper itself).
+# True while the process runs; a zombie (which an init that does not reap leaves) is gone.
+alive() {
+  [ -r "/proc/$1/stat" ] || return 1
+  local state
+  state=$(sed -E 's/^.*\) ([A-Za-z]).*$/\1/' "/proc/$1/stat" 2>/dev/null) || return 1
+  [ -n "$state" ] && [ "$state" != Z ] && [ "$state" != X ]
+}
+
+# Stops the server whose timeout wrapper has its pid in FILE; the wrapper passes the signal on.
 stop_one() {
   local file=$1 pid
   [ -f "$file" ] || return 0
   pid=$(cat "$file")
   kill "$pid" 2>/dev/null || true
-  for _ in $(seq 1 50); do kill -0 "$pid" 2>/dev/null || return 0; sleep 0.1; done
+  for _ in $(seq 1 50); do alive "$pid" || return 0; sleep 0.1; done
   kill -9 "$pid" 2>/dev/null || true
 }
 
@@ -130,7 +138,6 @@ stop() {
   [ -L "$link" ] || return 0
   dir=$(readlink "$link")
   case "$dir" in /tmp/pelicor-ftp.*) ;; *) die "refusing to remove $dir" ;; esac
-  [ -f "$dir/proftpd.pid" ] && kill "$(cat "$dir/proftpd.pid")" 2>/dev/null || true
   for f in "$dir"/*.wrapper.pid; do stop_one "$f"; done
   rm -rf "$dir" "$link"
 }
