@@ -9,7 +9,7 @@ import sys
 
 from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import FTPHandler
-from pyftpdlib.servers import FTPServer
+from pyftpdlib.servers import ThreadedFTPServer
 
 
 def main():
@@ -20,8 +20,11 @@ def main():
     handler = FTPHandler
     handler.authorizer = authorizer
     handler.banner = "pyftpdlib ready"
-    logging.basicConfig(level=logging.WARNING)
-    server = FTPServer(("127.0.0.1", 0), handler)
+    logging.basicConfig(format="%(asctime)s %(message)s", level=logging.DEBUG if os.environ.get("PELICOR_FTP_KEEP_LOGS") else logging.WARNING)
+    # A thread (and I/O loop) per session: with one shared loop, a data socket closed in one
+    # session can unregister a descriptor number another session's control connection has
+    # just been given, and that session then hangs.
+    server = ThreadedFTPServer(("127.0.0.1", 0), handler)
     port = server.socket.getsockname()[1]
     tmp = os.path.join(state, "pyftpdlib.port.tmp")
     with open(tmp, "w") as f:

@@ -10,6 +10,7 @@
 # The folder holds: user, password (the account on both real servers), proftpd.port,
 # pyftpdlib.port, fault.ports ("scenario port" lines), root/ (the served tree, the account's
 # home), transcripts/ (what the fault server received) and the servers' pid and log files.
+# PELICOR_FTP_KEEP_LOGS=DIR copies the logs there before the folder goes.
 # Every server also dies on its own after a while, so an interrupted run leaves nothing behind.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
@@ -139,6 +140,11 @@ stop() {
   dir=$(readlink "$link")
   case "$dir" in /tmp/pelicor-ftp.*) ;; *) die "refusing to remove $dir" ;; esac
   for f in "$dir"/*.wrapper.pid; do stop_one "$f"; done
+  # PELICOR_FTP_KEEP_LOGS=DIR keeps the servers' logs for a look after a failed run.
+  if [ -n "${PELICOR_FTP_KEEP_LOGS:-}" ]; then
+    mkdir -p "$PELICOR_FTP_KEEP_LOGS"
+    cp "$dir"/*.log "$PELICOR_FTP_KEEP_LOGS"/ 2>/dev/null || true
+  fi
   rm -rf "$dir" "$link"
 }
 

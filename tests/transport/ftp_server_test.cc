@@ -1,6 +1,7 @@
 // The FTP client against real servers on 127.0.0.1: proftpd and pyftpdlib, each in passive
 // and active mode.
 #include <algorithm>
+#include <cstdlib>
 #include <set>
 #include <sstream>
 #include <string>
@@ -53,6 +54,7 @@ class FtpServerTest : public ::testing::TestWithParam<Mode> {
     FtpSetSynchronousMode();
     FtpSetDefaultTimeOut(5);
     FtpSetPassiveMode(GetParam().passive);
+    FtpSetVerboseMode(std::getenv("PELICOR_FTP_VERBOSE") != nullptr);
     ASSERT_EQ(Login(), 0) << FtpLastReply();
     ASSERT_EQ(FtpCWD("udump"), 0);
   }
@@ -110,7 +112,8 @@ TEST_P(FtpServerTest, RetrievesFilesIntoFilesAndHandles) {
 TEST_P(FtpServerTest, StreamsADataConnectionFromAnOffset) {
   for (const std::int64_t offset : {std::int64_t{0}, std::int64_t{123457}}) {
     SCOPED_TRACE(offset);
-    ASSERT_EQ(FtpOpenDataConnection("big.bin", kFtpActionRetrieve, 'I', offset), 0);
+    ASSERT_EQ(FtpOpenDataConnection("big.bin", kFtpActionRetrieve, 'I', offset), 0)
+        << FtpLastReply();
     // proftpd announces what is left to send; pyftpdlib announces nothing.
     const auto left = static_cast<std::uint64_t>(300000 - offset);
     EXPECT_EQ(FtpBytesToBeTransferred(), IsProftpd() ? left : 0u);
@@ -127,10 +130,14 @@ TEST_P(FtpServerTest, StreamsADataConnectionFromAnOffset) {
     EXPECT_EQ(streamed, Served("big.bin").substr(static_cast<std::size_t>(offset)));
   }
   // A stream left open is finished by the next one, whose replies then stay in step.
+  // (One block is read first: pyftpdlib leaves a data connection closed before it accepted
+  // it without a reply.)
   ASSERT_EQ(FtpOpenDataConnection("big.bin", kFtpActionRetrieve, 'I', 0), 0);
-  ASSERT_EQ(FtpOpenDataConnection("small.txt", kFtpActionRetrieve, 'I', 0), 0);
   char block[100];
   int length = sizeof block;
+  ASSERT_EQ(FtpRecvThroughDataConnection(block, &length), 0);
+  ASSERT_EQ(FtpOpenDataConnection("small.txt", kFtpActionRetrieve, 'I', 0), 0);
+  length = sizeof block;
   ASSERT_EQ(FtpRecvThroughDataConnection(block, &length), 0);
   EXPECT_EQ(std::string(block, static_cast<std::size_t>(length)), Served("small.txt"));
   EXPECT_EQ(FtpRecvThroughDataConnection(block, &length), 4);
