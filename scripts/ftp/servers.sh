@@ -1,0 +1,155 @@
+#!/usr/bin/env bash
+# Starts and stops the FTP servers the transport tests talk to, all on 127.0.0.1 only:
+# proftpd (a real daemon), pyftpdlib (a second real server with other habits) and the
+# fault-injecting server of fault_server.py.
+#
+#   scripts/ftp/servers.sh start LINK   creates a state folder under /tmp, starts the servers,
+#                                       and points the symbolic link LINK at the folder
+#   scripts/ftp/servers.sh stop LINK    stops every server, removes the folder and LINK
+#
+# The folder holds: user, password (the account on both real servers), proftpd.port,
+# pyftpdlib.port, fault.ports ("scenario port" lines), root/ (the served tree, the account's
+# home), transcripts/ (what the fault server received) and the servers' pid and log files.
+# PELICOR_FTP_KEEP_LOGS=DIR copies the logs there before the folder goes.
+# Every server also dies on its own after a while, so an interrupted run leaves nothing behind.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+python=/usr/bin/python3
+lifetime=${PELICOR_FTP_LIFETIME:-1800}
+user=pelicor
+password=trace-fetch
+
+die() { echo "ftp servers: $*" >&2; exit 1; }
+
+free_port() {
+  "$python" -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])'
+}
+
+# Waits until FILE exists and is not empty (a server writes its port once it listens).
+wait_for() {
+  for _ in $(seq 1 100); do [ -s "$1" ] && return 0; sleep 0.1; done
+  die "no $1 after 10 s"
+}
+
+make_tree() {
+  local root=$1/root
+  mkdir -p "$root/udump" "$root/empty"
+  printf 'first line\nsecond line\r\nthird line without end' >"$root/udump/small.txt"
+  "$python" - "$root/udump" <<'PY'
+import sys, random
+rnd = random.Random(4711)
+with open(sys.argv[1] + "/big.bin", "wb") as f:
+    f.write(bytes(rnd.getrandbits(8) for _ in range(300000)))
+with open(sys.argv[1] + "/ora_1234.trc", "w") as f:
+    for i in range(2000):
+        f.write("PARSING IN CURSOR #%d len=20 dep=0 uid=5 oct=3 lid=5 tim=%d\n" % (i, 1000 + i))
+PY
+  : >"$root/udump/ora_1234_extra.trc"
+  chmod -R a+rX "$root"
+}
+
+start_proftpd() {
+  local dir=$1 port hash
+  port=$(free_port)
+  hash=$(openssl passwd -6 "$password")
+  echo "$user:$hash:65534:65534::$dir/root:/bin/false" >"$dir/passwd"
+  echo "nogroup:x:65534:" >"$dir/group"
+  chmod 0600 "$dir/passwd" "$dir/group"
+  cat >"$dir/proftpd.conf" <<CONF
+ServerName "pelicor test"
+ServerType standalone
+DefaultServer on
+DefaultAddress 127.0.0.1
+SocketBindTight on
+UseIPv6 off
+Port $port
+PassivePorts 40000 60000
+User nobody
+Group nogroup
+MaxInstances 40
+PidFile $dir/proftpd.pid
+ScoreboardFile $dir/proftpd.scoreboard
+DelayTable $dir/proftpd.delay
+DelayEngine off
+SystemLog $dir/proftpd.log
+TransferLog none
+WtmpLog off
+UseReverseDNS off
+AuthOrder mod_auth_file.c
+AuthUserFile $dir/passwd
+AuthGroupFile $dir/group
+RequireValidShell off
+DefaultRoot ~
+AllowOverwrite off
+TimeoutIdle 120
+CONF
+  timeout "$lifetime" proftpd -n -q -c "$dir/proftpd.conf" >>"$dir/proftpd.log" 2>&1 &
+  echo $! >"$dir/proftpd.wrapper.pid"
+  wait_for "$dir/proftpd.pid"
+  echo "$port" >"$dir/proftpd.port"
+}
+
+start_python() {
+  local dir=$1 name=$2
+  shift 2
+  timeout "$lifetime" "$python" "$@" >>"$dir/$name.log" 2>&1 &
+  echo $! >"$dir/$name.wrapper.pid"
+}
+
+start() {
+  local link=$1 dir
+  [ -e "$link" ] && stop "$link"
+  dir=$(mktemp -d /tmp/pelicor-ftp.XXXXXX)
+  chmod 0755 "$dir"
+  ln -s "$dir" "$link"
+  # A server that fails to come up must not leave the others running.
+  trap 'stop "$link"' ERR EXIT
+  echo "$user" >"$dir/user"
+  echo "$password" >"$dir/password"
+  mkdir -p "$dir/transcripts"
+  make_tree "$dir"
+  start_proftpd "$dir"
+  start_python "$dir" pyftpdlib "$here/pyftpd_server.py" "$dir"
+  start_python "$dir" fault "$here/fault_server.py" "$dir"
+  wait_for "$dir/pyftpdlib.port"
+  wait_for "$dir/fault.ports"
+  trap - ERR EXIT
+}
+
+# True while the process runs; a zombie (which an init that does not reap leaves) is gone.
+alive() {
+  [ -r "/proc/$1/stat" ] || return 1
+  local state
+  state=$(sed -E 's/^.*\) ([A-Za-z]).*$/\1/' "/proc/$1/stat" 2>/dev/null) || return 1
+  [ -n "$state" ] && [ "$state" != Z ] && [ "$state" != X ]
+}
+
+# Stops the server whose timeout wrapper has its pid in FILE; the wrapper passes the signal on.
+stop_one() {
+  local file=$1 pid
+  [ -f "$file" ] || return 0
+  pid=$(cat "$file")
+  kill "$pid" 2>/dev/null || true
+  for _ in $(seq 1 50); do alive "$pid" || return 0; sleep 0.1; done
+  kill -9 "$pid" 2>/dev/null || true
+}
+
+stop() {
+  local link=$1 dir
+  [ -L "$link" ] || return 0
+  dir=$(readlink "$link")
+  case "$dir" in /tmp/pelicor-ftp.*) ;; *) die "refusing to remove $dir" ;; esac
+  for f in "$dir"/*.wrapper.pid; do stop_one "$f"; done
+  # PELICOR_FTP_KEEP_LOGS=DIR keeps the servers' logs for a look after a failed run.
+  if [ -n "${PELICOR_FTP_KEEP_LOGS:-}" ]; then
+    mkdir -p "$PELICOR_FTP_KEEP_LOGS"
+    cp "$dir"/*.log "$PELICOR_FTP_KEEP_LOGS"/ 2>/dev/null || true
+  fi
+  rm -rf "$dir" "$link"
+}
+
+case "${1:-}" in
+  start) start "${2:?link}" ;;
+  stop) stop "${2:?link}" ;;
+  *) die "usage: $0 start|stop LINK" ;;
+esac

@@ -1,0 +1,150 @@
+// Opening the data connection of a transfer: type, local file, PASV or PORT, REST, the
+// command itself and its preliminary reply.
+#include <string>
+
+#include "transport/ftp/ftp_session.h"
+#include "transport/ftp/reply_parse.h"
+
+namespace transport {
+namespace {
+
+// Local file actions of a transfer.
+constexpr int kFileCreate = 32;
+constexpr int kFileRead = 216;
+constexpr int kFileAppend = 467;
+
+os::FileHandle OpenLocal(const char* path, int action) {
+  switch (action) {
+    case kFileCreate:
+      return os::CreateFileForWrite(path);
+    case kFileRead:
+      return os::OpenFileForRead(path);
+    case kFileAppend:
+      return os::OpenFileForAppend(path);
+    default:
+      return os::kNoFile;
+  }
+}
+
+//   227 Entering Passive Mode (192,168,10,5,195,80).
+// Only the port is taken: the data connection goes to the address the control connection
+// reached, as a server behind NAT announces an address we cannot reach and a hostile one
+// could point us at another host.
+int OpenPassive(FtpSession& session) {
+  if (const int sent = SendLine(session, "PASV"); sent != kFtpOk) return sent;
+  const int reply = ReadReply(session);
+  if (reply == 500 || reply == 502) return kFtpNoPassiveMode;
+  std::string announced;
+  std::uint16_t port = 0;
+  if (reply != 227 || !ParsePassiveReply(session.reply.data(), &announced, &port)) {
+    return kFtpUnexpectedAnswer;
+  }
+  os::Endpoint peer;
+  if (!os::PeerEndpoint(session.control, &peer)) return kFtpNoSocket;
+  const std::string host = os::AddressText(peer);
+  return TcpConnect(&session.data_socket, host.c_str(), nullptr, &port) == kTcpSuccess
+             ? kFtpOk
+             : kFtpNoSocket;
+}
+
+// Listens on the control connection's local address and announces it:
+//   PORT 127,0,0,1,195,80
+int OpenActive(FtpSession& session) {
+  os::Endpoint local;
+  if (!os::LocalEndpoint(session.control, &local) || local.v6) return kFtpDataConnectionFailed;
+  const std::string address = os::AddressText(local);
+  std::uint16_t port = 0;
+  if (TcpGetListenSocket(&session.listener, nullptr, &port, 1, address.c_str()) != kTcpSuccess) {
+    return kFtpDataConnectionFailed;
+  }
+  std::string line = "PORT ";
+  for (int i = 0; i < 4; ++i) line += std::to_string(local.address[i]) + ",";
+  line += std::to_string(port >> 8) + "," + std::to_string(port & 0xff);
+  int result = SendLine(session, line);
+  if (result == kFtpOk && ReadReply(session) != 200) result = kFtpUnexpectedAnswer;
+  if (result != kFtpOk) TcpClose(&session.listener);
+  return result;
+}
+
+// The result of a refused RETR, LIST or NLST.
+int RefusedResult(int reply) {
+  switch (reply) {
+    case kNoReply:
+      return kFtpNoAnswer;
+    case 550:
+      return kFtpCannotOpenRemote;
+    case 553:
+      return kFtpTransferRefused;
+    default:
+      return kFtpUnexpectedAnswer;
+  }
+}
+
+void DropTransfer(FtpSession& session) {
+  CloseLocalFile(session);
+  TcpClose(&session.data_socket);
+  TcpClose(&session.listener);
+}
+
+// A data connection left open (a stream the caller never closed) still owes its final
+// reply; reading it keeps the next reply in step with the next command.
+void FinishLeftoverTransfer(FtpSession& session) {
+  if (session.data_socket == kNoSocket) return;
+  TcpClose(&session.data_socket);
+  ReadReply(session);
+}
+
+}  // namespace
+
+int SetType(FtpSession& session, char type) {
+  if (type == session.type) return kFtpOk;
+  const std::string argument = type == kFtpTypeLocal ? "L 8" : std::string(1, type);
+  const int result = RunCommand(session, kCmdType, argument.c_str());
+  if (result == kFtpOk) session.type = type;
+  return result;
+}
+
+int Restart(FtpSession& session, std::int64_t offset) {
+  if (offset < 1) return kFtpRestartOk;
+  return RunCommand(session, kCmdRest, std::to_string(offset).c_str());
+}
+
+int OpenDataConnection(FtpSession& session, const std::string& command, const char* local,
+                       int file_action, char type, std::int64_t offset) {
+  if (session.control == kNoSocket) return kFtpNotConnected;
+  FinishLeftoverTransfer(session);
+  CloseLocalFile(session);
+  session.aborted = false;
+  if (type == kFtpTypeBinary || type == kFtpTypeAscii || type == kFtpTypeLocal) {
+    if (const int result = SetType(session, type); result != kFtpOk) return result;
+  }
+  if (local != nullptr) {
+    session.local_file = OpenLocal(local, file_action);
+    if (session.local_file == os::kNoFile) return kFtpCannotOpenFile;
+  }
+  int result = session.passive ? OpenPassive(session) : OpenActive(session);
+  if (result == kFtpOk && offset > 0) {
+    result = Restart(session, offset);
+    if (result == kFtpRestartOk) result = kFtpOk;
+  }
+  if (result == kFtpOk) result = SendLine(session, command);
+  if (result == kFtpOk) {
+    const int reply = ReadReply(session);
+    if (reply != 150 && reply != 125) result = RefusedResult(reply);
+  }
+  if (result != kFtpOk) {
+    DropTransfer(session);
+    return result;
+  }
+  if (!session.passive) {
+    const int accepted = TcpAccept(&session.data_socket, session.listener, session.timeout_s);
+    TcpClose(&session.listener);
+    if (accepted != kTcpSuccess) {
+      CloseLocalFile(session);
+      return session.aborted ? kFtpAborted : kFtpDataConnectionFailed;
+    }
+  }
+  return kFtpOk;
+}
+
+}  // namespace transport

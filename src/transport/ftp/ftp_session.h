@@ -1,0 +1,85 @@
+// The state of one FTP session and the process-wide list that finds the calling thread's
+// session. Internal to the client.
+#ifndef PELICOR_TRANSPORT_FTP_FTP_SESSION_H_
+#define PELICOR_TRANSPORT_FTP_FTP_SESSION_H_
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "transport/ftp/command_table.h"
+#include "transport/ftp/ftp_client.h"
+#include "transport/tcp/tcp.h"
+
+namespace transport {
+
+struct FtpSession {
+  static constexpr std::size_t kBlockSize = 4096;
+  static constexpr std::size_t kReplySize = 2048;
+
+  std::thread::id owner;
+  FtpNotify notify;  // of the running asynchronous call
+  os::FileHandle local_file = os::kNoFile;
+  std::uint32_t blocks = 0;
+  bool aborted = false;
+  std::array<char, kBlockSize> data{};
+  bool progress = false;
+  std::uint64_t transferred = 0;
+  std::uint64_t expected = 0;
+  bool asynchronous = true;
+  Socket control = kNoSocket;
+  Socket data_socket = kNoSocket;
+  Socket listener = kNoSocket;  // active mode, between PORT and the server's connect
+  char type = kFtpTypeAscii;
+  bool verbose = false;
+  bool passive = false;
+  std::uint16_t port = 21;
+  int timeout_s = 30;
+  std::array<char, kReplySize> reply{};
+  std::deque<std::function<void()>> posted;  // asynchronous work, run by FtpProcessEvents
+};
+
+// Sessions by owning thread. Thread-safe; a session itself is touched only by its owner.
+class SessionRegistry {
+ public:
+  static SessionRegistry& Instance();
+  // The calling thread's session, or null.
+  FtpSession* Find();
+  // Creates the calling thread's session; null when it already has one.
+  FtpSession* Create();
+  void Remove();
+  // True when another thread has a session too (transfers then pause more often).
+  bool HasNeighbour();
+
+ private:
+  std::mutex mutex_;
+  std::vector<std::unique_ptr<FtpSession>> sessions_;
+};
+
+// Shared by the parts of the client.
+void CloseLocalFile(FtpSession& session);
+// Sends a row's command (when it has one), reads the reply and maps it.
+int RunCommand(FtpSession& session, FtpCommand command, const char* argument);
+// Reads one reply into the session's reply buffer: its code, 0 when it starts with no
+// number, -1 when none came.
+int ReadReply(FtpSession& session);
+// Sends one command line: 0, or 2005.
+int SendLine(FtpSession& session, const std::string& line, bool urgent = false);
+int SetType(FtpSession& session, char type);
+int Restart(FtpSession& session, std::int64_t offset);
+int OpenDataConnection(FtpSession& session, const std::string& command, const char* local,
+                       int file_action, char type, std::int64_t offset);
+int TransferLoop(FtpSession& session);
+int AbortAction(FtpSession& session, bool drain, bool notify, int debug_position);
+// Runs the transfer now, or posts it when the session is asynchronous and has a callback.
+int RunOrPostTransfer(FtpSession& session);
+void Notify(FtpSession& session, FtpEvent event, std::int64_t value);
+
+}  // namespace transport
+
+#endif  // PELICOR_TRANSPORT_FTP_FTP_SESSION_H_

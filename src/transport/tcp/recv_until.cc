@@ -1,0 +1,101 @@
+// TcpRecvUntilStr: reads a socket up to an end marker without reading past it. It peeks at
+// what has arrived, looks for the marker, and consumes only the data in front of the marker
+// and the marker itself, so the bytes after it stay in the socket for the next read.
+#include <algorithm>
+#include <new>
+#include <vector>
+
+#include "transport/tcp/marker_matcher.h"
+#include "transport/tcp/tcp.h"
+
+namespace transport {
+namespace {
+
+int FailureStatus() {
+  return os::IsCancelled(os::LastSocketError()) ? kTcpCancelled : kTcpError;
+}
+
+// Consumes exactly `size` bytes that a peek has shown to be there.
+bool Consume(Socket socket, char* into, std::size_t size) {
+  for (std::size_t done = 0; done < size;) {
+    const auto count = os::Receive(socket, into + done, size - done, os::kRecvNormal);
+    if (count <= 0) return false;
+    done += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+// One call's reading state.
+struct UntilRead {
+  Socket socket;
+  char* buffer;
+  std::size_t capacity;
+  std::size_t marker_length;
+  LogHandle log;
+  std::size_t received = 0;
+};
+
+// Delivers the data in front of a marker that ends at `end` in the peeked bytes.
+int TakeThroughMarker(UntilRead& read, std::size_t end, char* scratch, int* size) {
+  const std::size_t front = end > read.marker_length ? end - read.marker_length : 0;
+  if (!Consume(read.socket, read.buffer + read.received, front) ||
+      !Consume(read.socket, scratch, end - front)) {
+    return FailureStatus();
+  }
+  if (read.log != kNoLog) os::WriteToFile(read.log, read.buffer + read.received, front);
+  TraceHexDump("<", read.buffer + read.received, front);
+  // Marker bytes that arrived in an earlier round sit at the end of the caller's data.
+  const std::size_t earlier = read.marker_length - (end - front);
+  *size = static_cast<int>(read.received + front - earlier);
+  return kTcpSuccess;
+}
+
+}  // namespace
+
+int TcpRecvUntilStr(Socket socket, char* buffer, int* size, const char* marker, int marker_length,
+                    bool case_sensitive, int timeout_s, LogHandle log) {
+  if (size == nullptr || buffer == nullptr || marker == nullptr) return kTcpInvalidPointer;
+  if (*size <= 0 || marker_length <= 0 || socket == kNoSocket) return kTcpError;
+  UntilRead read{socket, buffer, static_cast<std::size_t>(*size),
+                 static_cast<std::size_t>(marker_length), log};
+  std::vector<char> scratch;
+  try {
+    scratch.resize(read.capacity + read.marker_length + 1);
+  } catch (const std::bad_alloc&) {
+    return kTcpNoMemory;
+  }
+  MarkerMatcher matcher(std::string_view(marker, read.marker_length), case_sensitive);
+  for (;;) {
+    int status = TcpRecv(socket, nullptr, 0, timeout_s, log);
+    std::ptrdiff_t peeked = 0;
+    if (status == kTcpSuccess) {
+      const std::size_t want = read.marker_length + read.capacity - read.received;
+      Trace(kTraceCall, "recv on socket ", socket, ". MSG_PEEK, buffer ", want, " bytes");
+      peeked = os::Receive(socket, scratch.data(), want, os::kRecvPeek);
+      if (peeked < 1) status = peeked == 0 ? kTcpClosed : FailureStatus();
+    }
+    if (status != kTcpSuccess) {
+      *size = static_cast<int>(read.received);
+      Trace(kTraceInternal, status == kTcpCancelled ? "call cancelled" : "Timeout");
+      return status;
+    }
+    const auto count = static_cast<std::size_t>(peeked);
+    const std::size_t room = read.capacity - read.received;
+    const std::size_t end = matcher.Find(scratch.data(), count);
+    if (end != MarkerMatcher::npos && end <= room + read.marker_length) {
+      return TakeThroughMarker(read, end, scratch.data(), size);
+    }
+    const std::size_t take = std::min(count, room);
+    if (!Consume(socket, buffer + read.received, take)) return FailureStatus();
+    TraceHexDump("<", buffer + read.received, take);
+    if (log != kNoLog) os::WriteToFile(log, buffer + read.received, take);
+    matcher.Feed(buffer + read.received, take);
+    read.received += take;
+    if (read.received >= read.capacity) {
+      *size = static_cast<int>(read.received);
+      return kTcpOverflow;
+    }
+  }
+}
+
+}  // namespace transport

@@ -1,0 +1,134 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "transport/ftp/command_table.h"
+#include "transport/ftp/ftp_client.h"
+#include "transport/ftp/reply_parse.h"
+
+namespace transport {
+namespace {
+
+TEST(FtpReplyParse, AnnouncedSize) {
+  const std::pair<const char*, std::uint64_t> cases[] = {
+      {"150 Opening BINARY mode data connection for ora_1234.trc (12345 bytes)", 12345},
+      {"125 Data connection already open; Transfer starting (77 BYTES).", 77},
+      {"150 Opening ASCII mode data connection for file list", 0},
+      {"150 File status okay. About to open data connection.", 0},
+      {"226 Transfer complete (12345 bytes)", 0},
+      {"150 (bytes)", 0},
+      {"150 x 99999999999999999999999 bytes", 9999999999999999999u},
+      {"", 0},
+  };
+  for (const auto& [reply, size] : cases) EXPECT_EQ(ParseAnnouncedSize(reply), size) << reply;
+}
+
+TEST(FtpReplyParse, PassiveReply) {
+  struct Case {
+    const char* reply;
+    bool ok;
+    std::string host;
+    std::uint16_t port;
+  };
+  const Case cases[] = {
+      {"227 Entering Passive Mode (127,0,0,1,195,80).", true, "127.0.0.1", 195 * 256 + 80},
+      {"227 entering passive mode (10,1,2,3,4,1)", true, "10.1.2.3", 1025},
+      {"227 Entering Passive Mode 127,0,0,1,4,1", false, "", 0},
+      {"227 Entering Passive Mode (127,0,0,1,4).", false, "", 0},
+      {"227 Entering Passive Mode (127,0,0,1,256,1)", false, "", 0},
+      {"227 Entering Passive Mode (127,0,0,1,x,1)", false, "", 0},
+      {"227 (1,2,3,4,0,0)", false, "", 0},
+  };
+  for (const Case& c : cases) {
+    std::string host;
+    std::uint16_t port = 0;
+    EXPECT_EQ(ParsePassiveReply(c.reply, &host, &port), c.ok) << c.reply;
+    EXPECT_EQ(host, c.host) << c.reply;
+    EXPECT_EQ(port, c.port) << c.reply;
+  }
+}
+
+TEST(FtpReplyParse, QuotedDirectoryAndHostPort) {
+  std::string directory;
+  EXPECT_TRUE(ParseQuotedDirectory("257 \"/u01/udump\" is the current directory", &directory));
+  EXPECT_EQ(directory, "/u01/udump");
+  EXPECT_TRUE(ParseQuotedDirectory("257 \"/a \"\"b\"\"\" created", &directory));
+  EXPECT_EQ(directory, "/a \"b\"");
+  EXPECT_FALSE(ParseQuotedDirectory("257 /u01/udump", &directory));
+  EXPECT_FALSE(ParseQuotedDirectory("257 \"/unterminated", &directory));
+
+  struct Case {
+    const char* text;
+    bool ok;
+    std::string host;
+    std::uint16_t port;
+  };
+  const Case cases[] = {
+      {"dbhost", true, "dbhost", 0},     {"dbhost:2121", true, "dbhost", 2121},
+      {"[::1]:2121", true, "::1", 2121}, {"[fe80::1]", true, "fe80::1", 0},
+      {"fe80::1", true, "fe80::1", 0},   {"dbhost:", false, "", 0},
+      {"dbhost:0", false, "", 0},        {"dbhost:70000", false, "", 0},
+      {"[::1]2121", false, "", 0},       {"", false, "", 0},
+  };
+  for (const Case& c : cases) {
+    std::string host;
+    std::uint16_t port = 0;
+    EXPECT_EQ(SplitHostPort(c.text, &host, &port), c.ok) << c.text;
+    EXPECT_EQ(host, c.host) << c.text;
+    EXPECT_EQ(port, c.port) << c.text;
+  }
+}
+
+TEST(FtpCommandTable, MapsRepliesRowByRow) {
+  struct Case {
+    FtpCommand command;
+    int reply;
+    int result;
+  };
+  const Case cases[] = {
+      {kCmdGreeting, 220, 0},
+      {kCmdGreeting, 421, 1008},
+      {kCmdGreeting, kNoReply, 2002},
+      {kCmdUser, 331, 1},
+      {kCmdPass, 332, 2},
+      {kCmdPass, 530, 1009},
+      {kCmdCwd, 550, 1008},
+      {kCmdCwd, 421, 3001},
+      {kCmdDele, 450, 1014},
+      {kCmdMkd, 227, 0},
+      {kCmdRmd, 257, 0},
+      {kCmdType, 530, 3002},
+      {kCmdRnfr, 550, 1010},
+      {kCmdRest, 350, 3},
+      {kCmdEndOfTransfer, 552, 1005},
+      {kCmdEndOfTransfer, 426, 3001},
+      {kCmdNoop, kReplyNotNumber, 3001},
+      {kCmdQuit, 2, 3001},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(MapReply(c.command, c.reply), c.result) << c.command << " " << c.reply;
+  }
+  EXPECT_EQ(CommandLine(kCmdCwd, "udump"), "CWD udump");
+  EXPECT_EQ(CommandLine(kCmdCdup, "ignored"), "CDUP");
+  EXPECT_EQ(CommandLine(kCmdGreeting, nullptr), "");
+  EXPECT_STREQ(FtpErrorString(1009), "Server rejects userid/passwd");
+  EXPECT_STREQ(FtpErrorString(2007), "Timeout occured");
+  EXPECT_STREQ(FtpErrorString(-1), "Transfer aborted by FtpAbort");
+}
+
+TEST(FtpSessionLife, CodesWithoutServer) {
+  EXPECT_EQ(FtpRelease(), 1006);
+  EXPECT_EQ(FtpCWD("udump"), 1002);
+  ASSERT_EQ(FtpInit(), 0);
+  EXPECT_EQ(FtpInit(), 1001);
+  EXPECT_EQ(FtpCWD("udump"), 1003);
+  EXPECT_EQ(FtpRestart(0), 3);
+  EXPECT_EQ(FtpRecvFile("x", "y", 'I', false), 1003);
+  EXPECT_EQ(FtpLogin(nullptr, "u", "p"), 1000);
+  EXPECT_EQ(FtpLogin("no-such-host.invalid", "u", "p"), 2001);
+  EXPECT_EQ(FtpRelease(), 0);
+  EXPECT_EQ(FtpRelease(), 1006);
+}
+
+}  // namespace
+}  // namespace transport

@@ -1,0 +1,101 @@
+// The FTP servers the ctest fixture "ftp_servers" starts (scripts/ftp/servers.sh), as the
+// tests see them: ports, the account, the served tree and the fault server's transcripts.
+// Tests skip when PELICOR_FTP_STATE is not set (the binary run without ctest).
+#ifndef PELICOR_TESTS_TRANSPORT_FTP_TEST_SERVERS_H_
+#define PELICOR_TESTS_TRANSPORT_FTP_TEST_SERVERS_H_
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace pelicor_test {
+
+inline std::string ReadWholeFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+class FtpServers {
+ public:
+  // Null when the fixture is not there.
+  static const FtpServers* Get() {
+    static const FtpServers* servers = Load();
+    return servers;
+  }
+
+  // "127.0.0.1:PORT" of "proftpd", "pyftpdlib" or a fault scenario.
+  std::string Address(const std::string& server) const {
+    std::string port = Trim(ReadWholeFile(state_ / (server + ".port")));
+    if (port.empty()) port = FaultPort(server);
+    return "127.0.0.1:" + port;
+  }
+  std::string User() const { return Trim(ReadWholeFile(state_ / "user")); }
+  std::string Password() const { return Trim(ReadWholeFile(state_ / "password")); }
+  std::filesystem::path Served(const std::string& name) const { return state_ / "root" / name; }
+  std::string Transcript(const std::string& scenario) const {
+    return ReadWholeFile(state_ / "transcripts" / (scenario + ".txt"));
+  }
+
+ private:
+  explicit FtpServers(std::filesystem::path state) : state_(std::move(state)) {}
+
+  static const FtpServers* Load() {
+    const char* state = std::getenv("PELICOR_FTP_STATE");
+    if (state == nullptr || !std::filesystem::exists(std::filesystem::path(state) / "user")) {
+      return nullptr;
+    }
+    return new FtpServers(state);
+  }
+  static std::string Trim(std::string text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    return text;
+  }
+  std::string FaultPort(const std::string& scenario) const {
+    std::istringstream lines(ReadWholeFile(state_ / "fault.ports"));
+    std::string name, port;
+    while (lines >> name >> port) {
+      if (name == scenario) return port;
+    }
+    return "0";
+  }
+
+  std::filesystem::path state_;
+};
+
+// A directory of its own for one test, removed with everything in it.
+class TempDir {
+ public:
+  TempDir() {
+    static std::atomic<int> counter{0};
+    path_ = std::filesystem::temp_directory_path() /
+            ("pelicor-ftp-test-" + std::to_string(std::random_device{}()) + "-" +
+             std::to_string(counter++));
+    std::filesystem::create_directories(path_);
+  }
+  ~TempDir() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  std::string File(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+#define PELICOR_REQUIRE_FTP_SERVERS()                                                      \
+  if (::pelicor_test::FtpServers::Get() == nullptr)                                        \
+  GTEST_SKIP() << "no FTP servers: run through ctest (fixture ftp_servers) or start them " \
+                  "with scripts/ftp/servers.sh start DIR and set PELICOR_FTP_STATE=DIR"
+
+}  // namespace pelicor_test
+
+#endif  // PELICOR_TESTS_TRANSPORT_FTP_TEST_SERVERS_H_
