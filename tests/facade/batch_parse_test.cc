@@ -97,15 +97,6 @@ TEST_F(BatchParseTest, NfsParseFileExStartsAfreshAfterAFailure) {
   EXPECT_EQ(Portion(), "select ename");
 }
 
-TEST_F(BatchParseTest, BadNameDropsARunningShareParse) {
-  AddTrace(udump());
-  ASSERT_EQ(service_.NfsParseFileEx(kTrace, 1, 0, &out_, &msg_), 0);
-  EXPECT_EQ(service_.NfsParseFileEx("trace.log", 1, 0, &out_, &msg_), 1);
-  EXPECT_EQ(msg_, "Filename does not contain '.trc' !");
-  EXPECT_EQ(out_, "");
-  EXPECT_EQ(service_.BatchParser(), nullptr);
-}
-
 // An FTP batch does not continue the share's: it drops it before it starts its own.
 TEST_F(BatchParseTest, FtpParseFileExDropsARunningShareParse) {
   AddTrace(udump());

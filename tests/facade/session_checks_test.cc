@@ -31,10 +31,6 @@ std::vector<CheckRow> CheckRows() {
        [](auto& s, auto b, auto, auto m) { return s.FtpValidation(b, "u", "p", "/d", "1", m); },
        "hostname/username/password/udump/pid can not be empty or NULL! Check registry setting.",
        kNoFtp},
-      {"FtpValidation udump",
-       [](auto& s, auto b, auto, auto m) { return s.FtpValidation("h", "u", "p", b, "1", m); },
-       "hostname/username/password/udump/pid can not be empty or NULL! Check registry setting.",
-       kNoFtp},
       {"FtpValidation PID",
        [](auto& s, auto b, auto, auto m) { return s.FtpValidation("h", "u", "p", "/d", b, m); },
        kPidMissing, kNoFtp},
@@ -46,11 +42,6 @@ std::vector<CheckRow> CheckRows() {
          return s.UtlValidation(1, 92, "u", "p", "tns", "/d", b, "1", m);
        },
        "username/pwd/tns/udump/sid is empty or NULL!", kNoUtl},
-      {"UtlValidation PID",
-       [](auto& s, auto b, auto, auto m) {
-         return s.UtlValidation(1, 92, "u", "p", "tns", "/d", "orcl", b, m);
-       },
-       kPidMissing, kNoUtl},
       {"ZantivFtpTrcStartUp password",
        [](auto& s, auto b, auto o, auto m) {
          return s.ZantivFtpTrcStartUp("h", "u", b, "/d", "1", o, m);
@@ -60,9 +51,6 @@ std::vector<CheckRow> CheckRows() {
        [](auto& s, auto b, auto o, auto m) { return s.ZantivNfsTrcStartUp("/d", b, o, m); },
        "udump/PID can not be empty! Check registry setting.",
        "NFS failed to open trace file for the session!"},
-      {"ZantivNfsTrcStartUp udump",
-       [](auto& s, auto b, auto o, auto m) { return s.ZantivNfsTrcStartUp(b, "1", o, m); },
-       "udump/PID can not be empty! Check registry setting.", nfs_later},
       {"ZantivUtlTrcStartUp username",
        [](auto& s, auto b, auto o, auto m) {
          return s.ZantivUtlTrcStartUp(1, 92, b, "p", nullptr, "/d", nullptr, nullptr, nullptr, o,
@@ -104,22 +92,6 @@ TEST_F(SessionChecksTest, FtpStartUpStoresItsSettingsEvenWhenTheLookupFails) {
   EXPECT_EQ(service_.FtpInfo().udump, "/udump");
   EXPECT_EQ(service_.FtpInfo().working_dir, work().string());
   EXPECT_EQ(service_.Transport(), facade::kNoTransport);
-}
-
-TEST_F(SessionChecksTest, FtpMethodsNeedTheTransport) {
-  const std::vector<std::function<int()>> calls = {
-      [&] { return service_.FtpGetTraceFileList(0, &msg_); },
-      [&] { return service_.FtpGetTraceFileListPID("1", &msg_); },
-      [&] { return service_.FtpGetTraceFile(kTrace, &msg_); },
-      [&] { return service_.FtpGetTraceFilePID("1", 1, &out_, &msg_); },
-  };
-  for (const auto& call : calls) {
-    out_ = "stale";
-    EXPECT_EQ(call(), 1);
-    EXPECT_EQ(msg_, kNoFtp);
-  }
-  EXPECT_EQ(out_, "");
-  EXPECT_FALSE(fs::exists(work() / "FtpTraceFileList.txt"));
 }
 
 // UTL is chosen before connecting, so a failed validation still names it, and the statement
