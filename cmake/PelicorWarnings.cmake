@@ -23,3 +23,9 @@ function(pelicor_target_defaults target)
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>)
 endfunction()
+
+# In the fuzz build every library is instrumented for coverage, so libFuzzer is guided by the
+# parsers it exercises and not only by the ten lines of each entry point.
+if(PELICOR_BUILD_FUZZ)
+  target_compile_options(pelicor_build_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
