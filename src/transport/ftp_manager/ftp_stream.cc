@@ -1,7 +1,5 @@
 // The data-stream half of CFtpManager: a file read through one data connection, as lines for
 // the parser or as blocks into a local file, and the sizes servers announce for it.
-#include <algorithm>
-
 #include "support/os/file_handle.h"
 #include "transport/ftp/ftp_client.h"
 #include "transport/ftp_manager/ftp_manager.h"
@@ -40,6 +38,8 @@ void CFtpManager::OpenDataStream(const std::string& remote, std::uint64_t offset
 // the counts received, down to exactly the remainder for the last block.
 void CFtpManager::SkipBytes(std::uint64_t count) {
   std::uint64_t remaining = count;
+  // A skip that ended exactly on its count left 0 behind, which asks for nothing.
+  if (buffer_length_ <= 0) buffer_length_ = kBufferSize;
   while (remaining > 0) {
     // At the end of the data (or a failed receive) there is nothing left to skip; ReadLine
     // reports what it finds next.
