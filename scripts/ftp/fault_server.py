@@ -181,6 +181,28 @@ class ContinuationWithoutCode(Session):
         self.send(b'257-"/udump" is the current directory\r\n and more\r\n257 End\r\n')
 
 
+class RestRefused(Session):
+    """Takes no REST; RETR sends 1000 numbered lines ("line 00000\n" ...) from the start."""
+    lines = b"".join(b"line %05d\n" % i for i in range(1000))
+
+    def on_REST(self, arg):
+        self.reply("502 REST command not implemented.")
+
+    def on_RETR(self, arg):
+        self.send_data(self.lines, "150 Opening BINARY mode data connection for %s (%d bytes)"
+                       % (arg, len(self.lines)))
+
+
+class HostileListing(Session):
+    """NLST of SESSION*.trc lists one name that would leave the local directory."""
+    names = {"1": "../1_evil.trc", "2": "2/evil.trc", "3": "3\\evil.trc", "4": "4_..trc"}
+
+    def on_NLST(self, arg):
+        name = self.names.get(arg.split("*")[0], "")
+        self.send_data(name.encode("latin-1") + b"\r\n",
+                       "150 Opening ASCII mode data connection for file list")
+
+
 SCENARIOS = {
     "normal": Session,
     "normal_active": Session,
@@ -193,6 +215,8 @@ SCENARIOS = {
     "long_line": LongLine,
     "nul_bytes": NulBytes,
     "continuation_without_code": ContinuationWithoutCode,
+    "rest_refused": RestRefused,
+    "hostile_listing": HostileListing,
 }
 
 

@@ -45,7 +45,26 @@ with open(sys.argv[1] + "/ora_1234.trc", "w") as f:
         f.write("PARSING IN CURSOR #%d len=20 dep=0 uid=5 oct=3 lid=5 tim=%d\n" % (i, 1000 + i))
 PY
   : >"$root/udump/ora_1234_extra.trc"
+  make_trace_tree "$root"
   chmod -R a+rX "$root"
+}
+
+# traces/: whole traces to stream and parse. lookup/: candidates of a session's trace file,
+# each of its own size (names start with the session: the lookup lists SESSION*.trc).
+make_trace_tree() {
+  local root=$1 sample=$here/../../examples/sample_9i.trc
+  mkdir -p "$root/traces" "$root/lookup"
+  cp "$sample" "$root/traces/sample_9i.trc"
+  for _ in $(seq 1 300); do cat "$sample"; done >"$root/traces/repeated_9i.trc"
+  printf 'line one\nline two\r\nno line feed' >"$root/traces/no_final_lf.trc"
+  "$python" - "$root/lookup" <<'PY'
+import sys
+sizes = {"4711_ora.trc": 4711, "12_ora.trc": 120, "123_ora.trc": 1230, "55_ora.trc": 550,
+         "551_ora.trc": 5510, "55_ora_00055.trc": 5555, "00077_a.trc": 77, "00077_b.trc": 770}
+for name, size in sizes.items():
+    with open(sys.argv[1] + "/" + name, "w") as f:
+        f.write(("%s\n" % name * (size // len(name) + 1))[:size])
+PY
 }
 
 start_proftpd() {

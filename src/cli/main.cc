@@ -5,6 +5,7 @@
 #include <exception>
 #include <iostream>
 
+#include "cli/ftp_commands.h"
 #include "cli/local_commands.h"
 #include "cli/share_commands.h"
 #include "support/exceptions.h"
@@ -26,6 +27,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   cli::AddLocalCommands(app);
   cli::AddShareCommands(app);
+  cli::AddFtpCommands(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

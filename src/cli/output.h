@@ -10,6 +10,9 @@ namespace cli {
 // Throws std::runtime_error naming the file that could not be read or written.
 void DeliverFile(const std::string& source, const std::string& target);
 
+// As DeliverFile, for a listing an FTP server sent: its CR LF line ends become "\n".
+void DeliverListing(const std::string& source, const std::string& target);
+
 }  // namespace cli
 
 #endif  // PELICOR_CLI_OUTPUT_H_

@@ -1,6 +1,7 @@
 #include "cli/trace_jobs.h"
 
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -9,6 +10,7 @@
 #include "cli/output.h"
 #include "cli/progress.h"
 #include "cli/scratch_dir.h"
+#include "cli/stream_progress.h"
 #include "parser/call_xml_writer.h"
 #include "parser/output_sink.h"
 #include "parser/trace_parser.h"
@@ -51,8 +53,12 @@ std::uint8_t ParseFlags(const XmlJob& job) {
   return flags;
 }
 
-// Parses the whole file, with progress on a terminal, and sorts the statements.
-void ParseWhole(parser::CTraceParser& parser, const std::string& trace, std::uint8_t flags) {
+// Reads a whole trace into the parser. Flags 0 take the whole-input form; other flags the
+// batch form, the one that takes them, with no statement limit.
+using ParseInput = std::function<void(parser::CTraceParser& parser, std::uint8_t flags)>;
+
+// A local file, with progress on a terminal.
+void ParseFile(parser::CTraceParser& parser, const std::string& trace, std::uint8_t flags) {
   ProgressMeter progress("parsing " + trace, FileSize(trace));
   parser.SetProgressCallback([&progress](std::uint64_t done) { progress.Update(done); });
   if (flags == 0) {
@@ -63,7 +69,30 @@ void ParseWhole(parser::CTraceParser& parser, const std::string& trace, std::uin
     parser.CloseAll();
   }
   parser.SetProgressCallback(nullptr);
-  parser.SortClosedStatements();
+}
+
+// Closes a stream the batch form leaves open, also when parsing fails.
+class StreamCloser {
+ public:
+  explicit StreamCloser(parser::LineSource& source) : source_(source) {}
+  ~StreamCloser() { source_.CloseLines(); }
+  StreamCloser(const StreamCloser&) = delete;
+  StreamCloser& operator=(const StreamCloser&) = delete;
+
+ private:
+  parser::LineSource& source_;
+};
+
+void ParseStream(parser::CTraceParser& parser, const TraceStream& trace, std::uint8_t flags) {
+  StreamProgress source(*trace.source, trace.size);
+  if (flags == 0) {
+    parser.ParseStream(source, trace.name, 0);
+    return;
+  }
+  if (!source.OpenLines(trace.name, 0)) throw std::runtime_error("cannot open " + trace.name);
+  const StreamCloser closer(source);
+  parser.ParseStreamBatch(source, trace.name, 0, flags);
+  parser.CloseAll();
 }
 
 void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) {
@@ -124,17 +153,22 @@ void AddXmlOptions(CLI::App& command, XmlJob& job) {
       ->option_text("FILE");
 }
 
-void RunReport(const std::string& trace, const ReportJob& job) {
+namespace {
+
+void Report(const ParseInput& parse, const ReportJob& job) {
   ParseSetup setup(job.sort);
-  ParseWhole(setup.parser, trace, 0);
+  parse(setup.parser, 0);
+  setup.parser.SortClosedStatements();
   setup.parser.WriteTextReport(std::cout);
   std::cout.flush();
 }
 
-void RunXml(const std::string& trace, const XmlJob& job) {
+// `trace` names the trace: the aggregated documents are named after it.
+void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
   ParseSetup setup(job.sort);
   if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
-  ParseWhole(setup.parser, trace, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0);
+  parse(setup.parser, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0);
+  setup.parser.SortClosedStatements();
   switch (job.Kind()) {
     case XmlKind::kCalls:
       WriteCallDocument(setup.parser, job.output);
@@ -146,6 +180,36 @@ void RunXml(const std::string& trace, const XmlJob& job) {
       WriteAggregatedDocument(setup.parser, trace, true, job.output);
       break;
   }
+}
+
+ParseInput FileInput(const std::string& trace) {
+  return [&trace](parser::CTraceParser& parser, std::uint8_t flags) {
+    ParseFile(parser, trace, flags);
+  };
+}
+
+ParseInput StreamInput(const TraceStream& trace) {
+  return [&trace](parser::CTraceParser& parser, std::uint8_t flags) {
+    ParseStream(parser, trace, flags);
+  };
+}
+
+}  // namespace
+
+void RunReport(const std::string& trace, const ReportJob& job) {
+  Report(FileInput(trace), job);
+}
+
+void RunReport(const TraceStream& trace, const ReportJob& job) {
+  Report(StreamInput(trace), job);
+}
+
+void RunXml(const std::string& trace, const XmlJob& job) {
+  Xml(trace, FileInput(trace), job);
+}
+
+void RunXml(const TraceStream& trace, const XmlJob& job) {
+  Xml(trace.name, StreamInput(trace), job);
 }
 
 }  // namespace cli

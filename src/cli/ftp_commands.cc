@@ -1,0 +1,229 @@
+#include "cli/ftp_commands.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "cli/scratch_dir.h"
+#include "cli/trace_jobs.h"
+#include "transport/ftp_manager/ftp_manager.h"
+
+namespace cli {
+
+namespace {
+
+constexpr const char* kPasswordVariable = "PELICOR_FTP_PASSWORD";
+
+struct Connection {
+  std::string host;
+  std::string user;
+  std::string udump;
+  std::string password;
+  std::string password_file;
+  bool passive = false;
+  int timeout = 30;
+};
+
+// The first line of the password file, or --password, or the environment's.
+std::string Password(const Connection& connection) {
+  if (!connection.password_file.empty()) {
+    std::ifstream in(connection.password_file);
+    std::string line;
+    if (!in || (!std::getline(in, line) && !in.eof())) {
+      throw std::runtime_error("cannot read the password file " + connection.password_file);
+    }
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    return line;
+  }
+  if (!connection.password.empty()) return connection.password;
+  if (const char* password = std::getenv(kPasswordVariable)) return password;
+  throw std::runtime_error(std::string("no FTP password: give --password-file FILE or set ") +
+                           kPasswordVariable);
+}
+
+// A manager logged on to the dump directory, writing into `work_dir`.
+std::unique_ptr<transport::CFtpManager> Connect(const Connection& connection,
+                                                const std::string& work_dir) {
+  const std::string password = Password(connection);
+  auto manager = std::make_unique<transport::CFtpManager>();
+  manager->SetConnectInfo(connection.host.c_str(), connection.user.c_str(), password.c_str(),
+                          connection.udump.c_str());
+  manager->SetWorkDir(work_dir);
+  manager->SetPassiveMode(connection.passive);
+  manager->SetTimeOut(connection.timeout);
+  manager->Init();
+  return manager;
+}
+
+void AddConnectionOptions(CLI::App& command, Connection& connection) {
+  command.add_option("--host", connection.host, "The FTP server, as HOST or HOST:PORT")
+      ->required()
+      ->group("Connection");
+  command.add_option("--user", connection.user, "The FTP account")->required()->group("Connection");
+  command.add_option("--udump", connection.udump, "The server's trace directory (user_dump_dest)")
+      ->required()
+      ->group("Connection");
+  command
+      .add_option("--password-file", connection.password_file,
+                  std::string("Read the password from the first line of FILE (or set ") +
+                      kPasswordVariable + ")")
+      ->option_text("FILE")
+      ->group("Connection");
+  command
+      .add_option("--password", connection.password,
+                  "The password itself; discouraged: other users can see it in the process list")
+      ->group("Connection");
+  command.add_flag("--passive", connection.passive, "Passive data connections (PASV)")
+      ->group("Connection");
+  command.add_option("--timeout", connection.timeout, "Seconds to wait for the server")
+      ->capture_default_str()
+      ->group("Connection");
+}
+
+template <typename Args>
+std::shared_ptr<Args> AddCommand(CLI::App& ftp, const char* name, const char* description,
+                                 CLI::App** command) {
+  auto args = std::make_shared<Args>();
+  *command = ftp.add_subcommand(name, description);
+  AddConnectionOptions(**command, args->connection);
+  return args;
+}
+
+struct ListArgs {
+  Connection connection;
+  bool long_form = false;
+  std::string pattern = "*.trc";
+  std::string output;
+};
+
+void AddList(CLI::App& ftp) {
+  CLI::App* list = nullptr;
+  auto args =
+      AddCommand<ListArgs>(ftp, "list", "List the trace files of the dump directory", &list);
+  list->add_flag("--long,-l", args->long_form, "The server's long listing (sizes and dates)");
+  list->add_option("--pattern,-p", args->pattern, "Names to list (the server's wildcards)")
+      ->capture_default_str();
+  list->add_option("-o,--output", args->output, "Write the listing to FILE, not standard output")
+      ->option_text("FILE");
+  list->callback([args] {
+    ScratchDir scratch;
+    auto manager = Connect(args->connection, scratch.path().string());
+    manager->GetFileList(args->long_form ? 1 : 0, args->pattern);
+    manager->Close();
+    DeliverListing((scratch.path() / transport::CFtpManager::kListingFileName).string(),
+                   args->output);
+  });
+}
+
+struct FileArgs {
+  Connection connection;
+  std::string name;  // a process id for find, a file name for the others
+  std::string directory = ".";
+};
+
+void AddFind(CLI::App& ftp) {
+  CLI::App* find = nullptr;
+  auto args = AddCommand<FileArgs>(
+      ftp, "find", "Find the trace file of a server process; prints its name and size", &find);
+  find->add_option("PID", args->name, "The server process id; the server lists PID*.trc")
+      ->required();
+  find->callback([args] {
+    ScratchDir scratch;
+    auto manager = Connect(args->connection, scratch.path().string());
+    std::string name;
+    const std::uint32_t size = manager->GetTraceFileNameFromPID(args->name, &name);
+    manager->Close();
+    std::cout << name << ' ' << size << '\n';
+  });
+}
+
+// Copies the bytes as they are (binary), straight from the data connection.
+void RunGet(const FileArgs& args) {
+  auto manager = Connect(args.connection, args.directory);
+  const std::string target =
+      (std::filesystem::path(args.directory) / std::filesystem::path(args.name).filename())
+          .string();
+  manager->OpenDataStream(args.name, 0);
+  ProgressMeter progress("fetching " + args.name, manager->GetFileSize(args.name));
+  try {
+    manager->SaveDataStream(target, [&progress](std::uint64_t done) { progress.Update(done); });
+  } catch (...) {
+    std::error_code ignored;
+    std::filesystem::remove(target, ignored);  // no half a trace left behind
+    throw;
+  }
+  manager->CloseDataStream();
+  manager->Close();
+}
+
+void AddGet(CLI::App& ftp) {
+  CLI::App* get = nullptr;
+  auto args = AddCommand<FileArgs>(ftp, "get", "Copy a trace file from the dump directory", &get);
+  get->add_option("NAME", args->name, "The trace file's name")->required();
+  get->add_option("-o,--output-dir", args->directory, "Copy into DIR")
+      ->option_text("DIR")
+      ->capture_default_str();
+  get->callback([args] { RunGet(*args); });
+}
+
+template <typename Job>
+struct StreamArgs {
+  Connection connection;
+  std::string name;
+  Job job;
+};
+
+// Parses the remote trace as it streams in; nothing is stored locally.
+template <typename Job>
+void RunStreamJob(const StreamArgs<Job>& args) {
+  ScratchDir scratch;
+  auto manager = Connect(args.connection, scratch.path().string());
+  transport::CFtpManager& stream = *manager;
+  const std::string& name = args.name;
+  const TraceStream trace{manager.get(), name,
+                          [&stream, &name] { return stream.GetFileSize(name); }};
+  if constexpr (std::is_same_v<Job, XmlJob>) {
+    RunXml(trace, args.job);
+  } else {
+    RunReport(trace, args.job);
+  }
+  manager->Close();
+}
+
+void AddStreamJobs(CLI::App& ftp) {
+  CLI::App* report = nullptr;
+  auto report_args = AddCommand<StreamArgs<ReportJob>>(
+      ftp, "report", "TKPROF-style text report of a remote trace file, on standard output",
+      &report);
+  report->add_option("NAME", report_args->name, "The trace file's name")->required();
+  AddReportOptions(*report, report_args->job);
+  report->callback([report_args] { RunStreamJob(*report_args); });
+
+  CLI::App* xml = nullptr;
+  auto xml_args =
+      AddCommand<StreamArgs<XmlJob>>(ftp, "xml", "XML document of a remote trace file", &xml);
+  xml->add_option("NAME", xml_args->name, "The trace file's name")->required();
+  AddXmlOptions(*xml, xml_args->job);
+  xml->callback([xml_args] { RunStreamJob(*xml_args); });
+}
+
+}  // namespace
+
+void AddFtpCommands(CLI::App& app) {
+  CLI::App* ftp = app.add_subcommand("ftp", "Trace files in a dump directory reached over FTP");
+  ftp->require_subcommand(1);
+  AddList(*ftp);
+  AddFind(*ftp);
+  AddGet(*ftp);
+  AddStreamJobs(*ftp);
+}
+
+}  // namespace cli

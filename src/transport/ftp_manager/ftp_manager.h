@@ -1,0 +1,146 @@
+// CFtpManager: the server's trace directory ("udump") reached over FTP. It logs on and changes
+// to the trace directory, lists trace files into "FtpTraceFileList.txt" in the work
+// directory, copies files there, streams a file line by line (from an offset) for the parser,
+// and finds the trace file of a session by listing and matching names.
+//
+// Every failure is thrown as exceptions::ExceptionBase with file "FtpManager". Class and
+// method texts vary by raise site and several read "FtpManger", "marched", or name another
+// operation: hosts match on these texts, so they stay exactly as they are.
+//
+// An object owns the FTP client session of the thread that constructs it (FtpInit), so a
+// thread can hold only one CFtpManager at a time, and every call must come from that thread.
+// The destructor releases the session and never throws.
+#ifndef PELICOR_TRANSPORT_FTP_MANAGER_FTP_MANAGER_H_
+#define PELICOR_TRANSPORT_FTP_MANAGER_FTP_MANAGER_H_
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "parser/line_source.h"
+#include "transport/ftp_manager/ftp_connect_info.h"
+
+namespace transport {
+
+class CFtpManager : public parser::LineSource {
+ public:
+  static constexpr int kBufferSize = 4096;
+  // The listing files written into the work directory.
+  static constexpr const char* kListingFileName = "FtpTraceFileList.txt";
+  static constexpr const char* kPidListingFileName = "FtpTraceFileListPID.txt";
+
+  // Starts the calling thread's FTP session; throws "FTP failed to initialize!" when the thread
+  // already has one.
+  CFtpManager();
+  CFtpManager(const CFtpManager&) = delete;
+  CFtpManager& operator=(const CFtpManager&) = delete;
+  // Releases the FTP session (closing whatever it still has open). A failed release is logged
+  // by the exception it raises and otherwise ignored.
+  ~CFtpManager() override;
+
+  // --- The operation table, in slot order --------------------------------------------------
+  // The block buffer the data stream is read into, and the count of the last receive.
+  virtual char* GetBuffer() { return buffer_.data(); }
+  virtual int GetBufferLength() const { return buffer_length_; }
+
+  // Copies `remote` in ASCII mode to the work directory under the same name.
+  virtual void RetrieveFile(const std::string& remote);
+  // Creates the local file (work directory + `remote`) itself, then receives `remote` into it
+  // with transfer type `type` ('A' or 'I') from byte `offset` on.
+  virtual void RetrieveFile(const std::string& remote, char type, std::uint64_t offset);
+
+  // Logs on and changes to the trace directory. Refuses empty connection data before any
+  // network traffic. The logged-on flag is set once the log-on has succeeded, the initialised
+  // flag once the directory change has too.
+  virtual void Init();
+  // Ends the FTP session (QUIT, or closing the connections when QUIT fails). Flags stay set.
+  virtual void Close();
+
+  // Opens a binary data connection that retrieves `remote` from byte `offset`. When the server
+  // refuses (a REST it does not take, an offset past the end), the file is opened from its
+  // start and the first `offset` bytes are read and dropped.
+  virtual void OpenDataStream(const std::string& remote, std::uint64_t offset);
+  // Closes the data connection and checks the server's final reply; returns 0.
+  virtual int CloseDataStream();
+  // The next line of the open data stream, ending in exactly one "\n" (a CR in front of it
+  // stays), or null at the end of the data: a last line without a line feed is never handed
+  // out. The text stays valid until the next call. Each call starts by asking for blocks of
+  // 4096 bytes; a short block makes the next receive of the same call ask for no more than it
+  // got. Throws when the data connection fails (reset, time-out) rather than ending.
+  virtual const char* ReadLine();
+
+  // Takes host, user, password and trace directory from the record (not the working
+  // directory: that comes through SetWorkDir).
+  virtual void SetConnectInfo(const FtpConnectInfo& info);
+  // Stores the four texts; only a null one is refused ("Invalid FTP connection information!").
+  virtual void SetConnectInfo(const char* host, const char* user, const char* password,
+                              const char* udump);
+  virtual bool IsLoggedOn() const { return logged_on_; }
+  // Stores `path` followed by the platform separator, so names can be appended directly.
+  virtual void SetWorkDir(const std::string& path);
+  virtual const std::string& GetWorkDir() const { return work_dir_; }
+
+  // Writes the listing of `pattern` into the work directory's "FtpTraceFileList.txt": mode 0
+  // names only (NLST), mode 1 the server's long form (LIST); any other mode does nothing.
+  virtual void GetFileList(std::uint16_t mode, const std::string& pattern);
+  // The size the server announces for `name` (low 32 bits; 0 when it announces none). With a
+  // data stream open: the size announced for that stream. Otherwise a data connection is
+  // opened on `name` for the purpose and left to the next transfer (or Close) to finish.
+  virtual std::uint32_t GetFileSize(const std::string& name);
+  // Finds the trace file of a session: lists `session` + "*.trc" (names only) into the work
+  // directory's "FtpTraceFileListPID.txt" and takes the listed names that contain `session`.
+  // One such name is the answer; of several, the only one holding the zero-padded form of
+  // `session` ("123" -> "00123"). Fills `*name` and returns that file's announced size. A
+  // listed name that holds '/', '\' or ".." is refused. On failure `*name` may already hold
+  // the last candidate seen.
+  virtual std::uint32_t GetTraceFileNameFromPID(const std::string& session, std::string* name);
+  virtual void SetInitialised(bool initialised) { initialised_ = initialised; }
+  virtual bool IsInitialised() const { return initialised_; }
+
+  // --- Beyond the table ----------------------------------------------------------------------
+  // Passive (PASV) rather than active (PORT) data connections; active at start.
+  void SetPassiveMode(bool passive);
+  // Seconds every receive waits (30 at start).
+  void SetTimeOut(int seconds);
+  // Writes the rest of the open data stream, as it arrives, into `local_path` (created or
+  // truncated), calling `progress` with the bytes written so far. Unlike RetrieveFile it never
+  // pauses between blocks. Returns the bytes written.
+  std::uint64_t SaveDataStream(const std::string& local_path,
+                               const std::function<void(std::uint64_t)>& progress);
+
+  // --- parser::LineSource: the parser's stream forms read through the data stream ----------
+  bool OpenLines(const std::string& name, std::uint64_t offset) override;
+  bool ReadNextLine(std::string_view* line) override;
+  void CloseLines() override;
+
+ private:
+  void UnInit();
+  void SkipBytes(std::uint64_t count);
+  // The work directory followed by `name` (just `name` while no work directory is set).
+  std::string LocalPath(const std::string& name) const { return work_dir_ + name; }
+  // Finishes the data connection a size probe left open, so QUIT is answered at once.
+  void FinishSizeProbe();
+
+  std::array<char, kBufferSize> buffer_{};
+  int buffer_length_ = kBufferSize;
+  std::string pending_;
+  std::size_t pending_start_ = 0;  // pending_ before this offset has been handed out
+  std::string current_line_;
+  std::string host_;
+  std::string user_;
+  std::string password_;
+  std::string udump_;
+  std::string work_dir_;
+  std::string stream_name_;  // for messages
+  bool logged_on_ = false;
+  bool initialised_ = false;
+  bool data_stream_open_ = false;
+  bool size_probe_open_ = false;
+};
+
+}  // namespace transport
+
+#endif  // PELICOR_TRANSPORT_FTP_MANAGER_FTP_MANAGER_H_

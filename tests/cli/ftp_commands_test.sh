@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# The pelicor ftp commands against proftpd on 127.0.0.1 (the ctest fixture ftp_servers, found
+# through PELICOR_FTP_STATE): output bytes, exit codes, messages.
+# Usage: ftp_commands_test.sh PELICOR
+set -u
+pelicor=$1
+state=${PELICOR_FTP_STATE:?run through ctest: the fixture ftp_servers sets PELICOR_FTP_STATE}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+passed=0
+failed=0
+
+check() {  # check NAME EXPECTED ACTUAL
+  if [ "$2" == "$3" ]; then
+    passed=$((passed + 1))
+  else
+    failed=$((failed + 1))
+    printf 'FAIL %s\n--- expected\n%s\n--- actual\n%s\n' "$1" "$2" "$3"
+  fi
+}
+
+host=127.0.0.1:$(cat "$state/proftpd.port")
+served=$state/root
+printf '%s\n' "$(cat "$state/password")" >"$work/password"
+at() {  # at UDUMP: the connection options, password from the file
+  echo --host "$host" --user "$(cat "$state/user")" --udump "$1" --password-file "$work/password"
+}
+
+check "list names" "$(printf 'no_final_lf.trc\nrepeated_9i.trc\nsample_9i.trc')" \
+  "$("$pelicor" ftp list $(at traces) | sort)"
+"$pelicor" ftp list $(at traces) --long --pattern 's*' -o "$work/list.txt"
+check "long listing to a file, LF line ends" "1 4729 sample_9i.trc" \
+  "$(awk '{print NR, $5, $9}' "$work/list.txt" | tr -d '\r')"
+
+check "find one of three by the padded pid" "55_ora_00055.trc 5555" \
+  "$("$pelicor" ftp find 55 $(at lookup) 2>&1)"
+check "find two without the padded pid" \
+  "pelicor: FTP did not find a marched trace file for the session!" \
+  "$("$pelicor" ftp find 12 $(at lookup) 2>&1)"
+"$pelicor" ftp find 12 $(at lookup) >/dev/null 2>&1
+check "a failure exits 1" "1" "$?"
+
+mkdir "$work/out"
+"$pelicor" ftp get repeated_9i.trc $(at traces) -o "$work/out"
+cmp -s "$served/traces/repeated_9i.trc" "$work/out/repeated_9i.trc"
+check "get copies the bytes" "0" "$?"
+check "get a missing file" "pelicor: FTP failed to open data stream connection! 1" \
+  "$("$pelicor" ftp get missing.trc $(at traces) -o "$work/out" 2>&1) $?"
+check "and leaves nothing" "repeated_9i.trc" "$(ls "$work/out")"
+
+# Streamed documents equal those of the local file, for each kind of document.
+trace=$served/traces/repeated_9i.trc
+for options in "" "--aggregate --sort exe,fch --key cpu" "--skip-waits --top-level"; do
+  "$pelicor" ftp xml repeated_9i.trc $options $(at traces) >"$work/remote.xml"
+  "$pelicor" xml "$trace" $options >"$work/local.xml"
+  cmp -s "$work/local.xml" "$work/remote.xml"
+  check "xml $options as from the local file" "0" "$?"
+done
+"$pelicor" ftp report repeated_9i.trc --sort prs $(at traces) >"$work/remote.txt"
+"$pelicor" report "$trace" --sort prs >"$work/local.txt"
+cmp -s "$work/local.txt" "$work/remote.txt"
+check "report as from the local file" "0" "$?"
+
+# The password: a file, the environment, the command line; none, or a wrong one.
+login="--host $host --user $(cat "$state/user") --udump lookup"
+check "password from the environment" "4711_ora.trc 4711" \
+  "$(PELICOR_FTP_PASSWORD=$(cat "$state/password") "$pelicor" ftp find 4711 $login 2>&1)"
+check "password on the command line" "4711_ora.trc 4711" \
+  "$("$pelicor" ftp find 4711 $login --password "$(cat "$state/password")" 2>&1)"
+check "no password" "pelicor: no FTP password: give --password-file FILE or set PELICOR_FTP_PASSWORD" \
+  "$(env -u PELICOR_FTP_PASSWORD "$pelicor" ftp find 4711 $login 2>&1)"
+check "a wrong password" \
+  "pelicor: FTP failed to logon with the given info! Check ftp hostname/username/password." \
+  "$("$pelicor" ftp find 4711 $login --password wrong 2>&1)"
+check "a missing trace directory" \
+  "pelicor: FTP failed to change to trace directory! Check FTP qualified trace path." \
+  "$("$pelicor" ftp list $(at nowhere) 2>&1)"
+"$pelicor" ftp list --help | grep -q -- '--password TEXT.*discouraged'
+check "help discourages --password" "0" "$?"
+
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]
