@@ -69,6 +69,12 @@ class FieldScanner {
   FieldScanner& Word(std::string_view* value);
   FieldScanner& Word(std::string* value);
 
+  // True when the scan is still going and the text goes on with `literal`, character for
+  // character; nothing is consumed. For fields that only some releases write.
+  bool LooksAt(std::string_view literal) const {
+    return ok_ && text_.substr(pos_, literal.size()) == literal;
+  }
+
   bool ok() const { return ok_; }
   // Where the next step would start reading.
   std::size_t position() const { return pos_; }
