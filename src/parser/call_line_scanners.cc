@@ -9,8 +9,10 @@ namespace parser {
 // From 11.1.0.7 on a plan hash stands between og and tim; it is stepped over so that tim is read:
 // FETCH #140641987987624:c=0,e=45,p=0,cr=1,cu=0,mis=0,r=4,dep=0,og=1,plh=2725028981,tim=5793...
 bool ScanCallLine(std::string_view line, std::string_view keyword, CallRecord* record) {
-  FieldScanner scan(line);
-  scan.Literal(keyword)
+  bool plan_hash = false;
+  std::int64_t plh = 0;
+  FieldScanner(line)
+      .Literal(keyword)
       .Cursor(&record->cursor)
       .Literal(":c=")
       .Int64(&record->c)
@@ -29,13 +31,10 @@ bool ScanCallLine(std::string_view line, std::string_view keyword, CallRecord* r
       .Literal(",dep=")
       .Int32(&record->dep)
       .Literal(",og=")
-      .Int32(&record->og);
-  const bool plan_hash = scan.LooksAt(",plh=");
-  if (plan_hash) {
-    std::int64_t plh = 0;
-    scan.Literal(",plh=").Int64(&plh);
-  }
-  scan.Literal(",tim=").Int64(&record->tim);
+      .Int32(&record->og)
+      .OptionalInt64(",plh=", &plh, &plan_hash)
+      .Literal(",tim=")
+      .Int64(&record->tim);
   return plan_hash;
 }
 

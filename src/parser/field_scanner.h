@@ -72,7 +72,19 @@ class FieldScanner {
   // True when the scan is still going and the text goes on with `literal`, character for
   // character; nothing is consumed. For fields that only some releases write.
   bool LooksAt(std::string_view literal) const {
-    return ok_ && text_.substr(pos_, literal.size()) == literal;
+    if (!ok_ || text_.size() - pos_ < literal.size()) return false;
+    for (std::size_t i = 0; i < literal.size(); ++i) {
+      if (text_[pos_ + i] != literal[i]) return false;
+    }
+    return true;
+  }
+
+  // A field that only some releases write: when the text goes on with `literal`, it and the
+  // number behind it are read (and *present set), else nothing is consumed.
+  FieldScanner& OptionalInt64(std::string_view literal, std::int64_t* value, bool* present) {
+    *present = LooksAt(literal);
+    if (*present) Literal(literal).Int64(value);
+    return *this;
   }
 
   bool ok() const { return ok_; }

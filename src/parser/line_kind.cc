@@ -100,6 +100,7 @@ LineKind ClassifyNewerForm(std::string_view line) {
 }
 
 bool EndsNewerBindBlock(std::string_view line, const DispatchState& state) {
+  if (CharAt(line, 0) == ' ') return false;  // bind sub-lines; no record starts with a blank
   if (ClassifyLine(line, state) != LineKind::kIgnored) return true;
   if (ClassifyNewerForm(line) != LineKind::kIgnored) return true;
   for (const std::string_view record : {"=====", "ERROR #", "LOB", "UNMAP #", "SORT UNMAP #"}) {

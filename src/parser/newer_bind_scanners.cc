@@ -69,8 +69,30 @@ void ScanBindPositionLine(std::string_view line, BindRecord* record) {
   if (at != std::string_view::npos) FieldScanner(line.substr(at + 5)).Int32(&record->bind);
 }
 
+// Each line is read first in the order the releases seen write it; only a line that does not
+// follow that order is searched field by field (which gives the same values for a line in order).
+
 //   oacdty=02 mxl=22(22) mxlc=00 mal=00 scl=00 pre=00
 void ScanBindTypeLine(std::string_view line, BindRecord* record) {
+  std::int32_t mxlc = 0;
+  if (FieldScanner(line)
+          .Literal(" oacdty=")
+          .Int32(&record->dty)
+          .Literal(" mxl=")
+          .Int32(&record->mxl)
+          .Literal("(")
+          .Int32(&record->pl)
+          .Literal(") mxlc=")
+          .Int32(&mxlc)
+          .Literal(" mal=")
+          .Int32(&record->mal)
+          .Literal(" scl=")
+          .Int32(&record->scl)
+          .Literal(" pre=")
+          .Int32(&record->pre)
+          .ok()) {
+    return;
+  }
   IntField(line, "oacdty", &record->dty);
   const std::string_view mxl = FieldValue(line, "mxl");
   if (!mxl.empty()) FieldScanner(mxl).Int32(&record->mxl).Literal("(").Int32(&record->pl);
@@ -81,6 +103,24 @@ void ScanBindTypeLine(std::string_view line, BindRecord* record) {
 
 //   oacflg=03 fl2=1000000 frm=01 csi=873 siz=24 off=0
 void ScanBindFlagsLine(std::string_view line, BindRecord* record) {
+  std::int32_t frm = 0;
+  std::int32_t csi = 0;
+  if (FieldScanner(line)
+          .Literal(" oacflg=")
+          .Int32(&record->oacflg)
+          .Literal(" fl2=")
+          .Int32(&record->oacfl2)
+          .Literal(" frm=")
+          .Int32(&frm)
+          .Literal(" csi=")
+          .Int32(&csi)
+          .Literal(" siz=")
+          .Int32(&record->size)
+          .Literal(" off=")
+          .Int32(&record->offset)
+          .ok()) {
+    return;
+  }
   IntField(line, "oacflg", &record->oacflg);
   IntField(line, "fl2", &record->oacfl2);
   IntField(line, "siz", &record->size);
@@ -89,6 +129,18 @@ void ScanBindFlagsLine(std::string_view line, BindRecord* record) {
 
 //   kxsbbbfp=7fe9c3cf3450  bln=22  avl=06  flg=05
 void ScanBindAddressLine(std::string_view line, BindRecord* record) {
+  if (FieldScanner(line)
+          .Literal(" kxsbbbfp=")
+          .Word(&record->bfp)
+          .Literal(" bln=")
+          .Int32(&record->bln)
+          .Literal(" avl=")
+          .Int32(&record->avl)
+          .Literal(" flg=")
+          .Int32(&record->flg)
+          .ok()) {
+    return;
+  }
   const std::string_view address = FieldValue(line, "kxsbbbfp");
   if (!address.empty()) FieldScanner(address).Word(&record->bfp);
   IntField(line, "bln", &record->bln);

@@ -44,16 +44,17 @@ void ScanStatLine(std::string_view line, StatRecord* record);
 // "WAIT #%d:", the event name between "nam='" and the "' " before the next "ela", then
 // "ela= %I64d p1=%I64d p2=%I64d p3=%I64d". `nam` views the line; tim is not touched.
 void ScanWaitLine(std::string_view line, WaitRecord* record);
-// The same; returns where that scan ended in the line, or npos when it stopped early.
-std::size_t ScanWaitFields(std::string_view line, WaitRecord* record);
+// The same; returns where that scan ended in the line, or npos when it stopped early, and puts
+// where "ela" stands into *ela_at (npos without one; ela_at may be null).
+std::size_t ScanWaitFields(std::string_view line, WaitRecord* record, std::size_t* ela_at);
 
-// The rest of a 10.2+ WAIT line, whose parameters are named after the event's and which ends
-// with the object and the wait's own time:
+// The rest of a 10.2+ WAIT line from its "ela" on (`rest`), whose parameters are named after the
+// event's and which ends with the object and the wait's own time:
 //   WAIT #4: nam='db file sequential read' ela= 12 file#=4 block#=1234 blocks=1 obj#=75 tim=12..
-// When the line has its " tim=" behind "ela": p1, p2 and p3 become the values of the first three
-// "name=value" fields behind ela (the names may hold blanks: "driver id=675562835"), tim the
-// line's own, and the result is true. Otherwise nothing changes and the result is false.
-bool ScanNamedWaitFields(std::string_view line, WaitRecord* record);
+// When it has a " tim=": p1, p2 and p3 become the values of the first three "name=value" fields
+// behind ela (the names may hold blanks: "driver id=675562835"), tim the line's own, and the
+// result is true. Otherwise nothing changes and the result is false.
+bool ScanNamedWaitFields(std::string_view rest, WaitRecord* record);
 
 // "BINDS #%d:" into *cursor.
 void ScanBindsLine(std::string_view line, CursorNo* cursor);

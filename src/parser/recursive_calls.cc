@@ -1,7 +1,5 @@
 #include "parser/recursive_calls.h"
 
-#include <cstddef>
-
 namespace parser {
 
 namespace {
@@ -31,7 +29,8 @@ CallRecord RecursiveCalls::OwnFigures(const CallRecord& call) {
   const auto depth = static_cast<std::size_t>(call.dep);
   const Figures children = waiting_[depth + 1];
   // Calls deeper than the children whose own parent never showed are dropped with them.
-  for (std::size_t d = depth + 1; d < waiting_.size(); ++d) waiting_[d] = Figures{};
+  for (std::size_t d = depth + 1; d < used_; ++d) waiting_[d] = Figures{};
+  used_ = depth + 1;
 
   CallRecord own = call;
   TakeOff(&own.c, children.c);

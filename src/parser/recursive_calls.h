@@ -13,6 +13,7 @@
 #define PELICOR_PARSER_RECURSIVE_CALLS_H_
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "parser/records.h"
@@ -27,7 +28,10 @@ class RecursiveCalls {
   // returned as it is and counts for no parent.
   CallRecord OwnFigures(const CallRecord& call);
   // Forgets every waiting call (a new trace section starts).
-  void Clear() { waiting_ = {}; }
+  void Clear() {
+    waiting_ = {};
+    used_ = 0;
+  }
 
   static constexpr std::int32_t kMaxDepth = 63;
 
@@ -37,6 +41,7 @@ class RecursiveCalls {
   };
   // Index d: the summed figures of the calls at depth d not yet claimed by a call at d - 1.
   std::array<Figures, kMaxDepth + 2> waiting_{};
+  std::size_t used_ = 0;  // the levels from here on are all zero
 };
 
 }  // namespace parser

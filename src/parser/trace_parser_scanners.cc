@@ -208,9 +208,11 @@ void CTraceParser::ScanStat(std::string_view line) {
 
 void CTraceParser::ScanWait(std::string_view line) {
   WaitRecord wait;
-  const std::size_t scanned = ScanWaitFields(line, &wait);
+  std::size_t ela = 0;
+  const std::size_t scanned = ScanWaitFields(line, &wait, &ela);
   const bool older_form = scanned != std::string_view::npos && IsBlank(From(line, scanned));
-  if (!older_form && ScanNamedWaitFields(line, &wait)) {
+  if (!older_form && ela != std::string_view::npos &&
+      ScanNamedWaitFields(line.substr(ela), &wait)) {
     NoteNewerForm();  // 10.2 and later: named parameters and the wait's own tim
   } else {
     // Earlier waits carry no time of their own: each one moves the trace time on by its ela.
