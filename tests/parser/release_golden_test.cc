@@ -62,4 +62,16 @@ TEST(ReleaseGolden, Oracle9iTrace) {
   CheckDocuments({"release_9i", "ord_id"});
 }
 
+// 10.2: kkscoacd, named waits; 11.2: plh=, CLOSE, XCTEND tim, a wait between BINDS and EXEC;
+// 12.2: ISO timestamps, str=, a national character value; 19c: Version line, a timestamp inside
+// a bind block, cursor 2^64-1, LOB and ERROR lines, calls of a cursor parsed before the file.
+// Each has a PL/SQL call or a query whose recursive calls its own figures must leave out.
+TEST(ReleaseGolden, Oracle10gTo19cTraces) {
+  const Fixture fixtures[] = {{"release_10_2", "SUM(AMOUNT)"},
+                              {"release_11_2", "update customers"},
+                              {"release_12c", "employees e join"},
+                              {"release_19c", "cart_id"}};
+  for (const Fixture& fixture : fixtures) CheckDocuments(fixture);
+}
+
 }  // namespace
