@@ -9,10 +9,8 @@ namespace parser {
 // From 11.1.0.7 on a plan hash stands between og and tim; it is stepped over so that tim is read:
 // FETCH #140641987987624:c=0,e=45,p=0,cr=1,cu=0,mis=0,r=4,dep=0,og=1,plh=2725028981,tim=5793...
 bool ScanCallLine(std::string_view line, std::string_view keyword, CallRecord* record) {
-  bool plan_hash = false;
-  std::int64_t plh = 0;
-  FieldScanner(line)
-      .Literal(keyword)
+  FieldScanner scan(line);
+  scan.Literal(keyword)
       .Cursor(&record->cursor)
       .Literal(":c=")
       .Int64(&record->c)
@@ -31,11 +29,17 @@ bool ScanCallLine(std::string_view line, std::string_view keyword, CallRecord* r
       .Literal(",dep=")
       .Int32(&record->dep)
       .Literal(",og=")
-      .Int32(&record->og)
-      .OptionalInt64(",plh=", &plh, &plan_hash)
-      .Literal(",tim=")
-      .Int64(&record->tim);
-  return plan_hash;
+      .Int32(&record->og);
+  const bool reached_og = scan.ok();
+  const std::size_t after_og = scan.position();
+  scan.Literal(",tim=").Int64(&record->tim);
+  if (scan.ok() || !reached_og) return false;
+  // Only a line that did not go on with tim is looked at again for the plan hash.
+  FieldScanner rest(line.substr(after_og));
+  if (!rest.LooksAt(",plh=")) return false;
+  std::int64_t plh = 0;
+  rest.Literal(",plh=").Int64(&plh).Literal(",tim=").Int64(&record->tim);
+  return true;
 }
 
 // CLOSE #140641987987624:c=3,e=3,dep=0,type=1,tim=5793511831927

@@ -79,14 +79,6 @@ class FieldScanner {
     return true;
   }
 
-  // A field that only some releases write: when the text goes on with `literal`, it and the
-  // number behind it are read (and *present set), else nothing is consumed.
-  FieldScanner& OptionalInt64(std::string_view literal, std::int64_t* value, bool* present) {
-    *present = LooksAt(literal);
-    if (*present) Literal(literal).Int64(value);
-    return *this;
-  }
-
   bool ok() const { return ok_; }
   // Where the next step would start reading.
   std::size_t position() const { return pos_; }
