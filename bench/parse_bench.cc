@@ -1,5 +1,6 @@
-// Parse throughput and peak memory on a generated 9i trace (binds, waits, STAT rows).
-//   parse_bench [MEGABYTES=300] [REPEATS=3]
+// Parse throughput and peak memory on a generated trace (binds, waits, STAT rows) in the 9i or
+// the 19c layout.
+//   parse_bench [MEGABYTES=300] [REPEATS=3] [9i|19c]
 // Writes the trace into the temporary directory, reads it once to bring it into the page cache,
 // parses it REPEATS times into the statement table and prints MB/s of the best run and the
 // peak resident memory of the process against the size of the trace. The file is removed.
@@ -43,19 +44,22 @@ struct RemoveOnExit {
 int main(int argc, char** argv) {
   const std::uint64_t megabytes = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 300;
   const int repeats = argc > 2 ? std::atoi(argv[2]) : 3;
+  const bool oracle19c = argc > 3 && std::string(argv[3]) == "19c";
   const RemoveOnExit trace{
       (std::filesystem::temp_directory_path() / "pelicor_parse_bench.trc").string()};
 
   tracegen::GeneratorOptions options;
   options.target_bytes = megabytes << 20;
+  if (oracle19c) options.format = tracegen::TraceFormat::kOracle19c;
   tracegen::GeneratedCounts counts;
   if (!tracegen::WriteTraceFile(trace.path, options, &counts)) {
     std::fprintf(stderr, "parse_bench: cannot write %s\n", trace.path.c_str());
     return 1;
   }
   std::printf(
-      "trace: %.1f MB, %llu lines, %llu statements, %llu waits, %llu binds, %llu STAT rows\n",
-      Megabytes(counts.bytes), static_cast<unsigned long long>(counts.lines),
+      "trace (%s): %.1f MB, %llu lines, %llu statements, %llu waits, %llu binds, %llu STAT rows\n",
+      oracle19c ? "19c" : "9i", Megabytes(counts.bytes),
+      static_cast<unsigned long long>(counts.lines),
       static_cast<unsigned long long>(counts.statements),
       static_cast<unsigned long long>(counts.waits), static_cast<unsigned long long>(counts.binds),
       static_cast<unsigned long long>(counts.stats));

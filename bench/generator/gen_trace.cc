@@ -1,5 +1,5 @@
-// gen_trace: writes a generated Oracle 9i SQL trace.
-//   gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE]
+// gen_trace: writes a generated Oracle SQL trace in the 9i or the 19c layout.
+//   gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE] [9i|19c]
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -8,13 +8,14 @@
 
 int main(int argc, char** argv) {
   if (argc < 2) {
-    std::fprintf(stderr, "usage: gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE]\n");
+    std::fprintf(stderr, "usage: gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE] [9i|19c]\n");
     return 2;
   }
   tracegen::GeneratorOptions options;
   const unsigned long long megabytes = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 10;
   options.target_bytes = megabytes << 20;
   if (argc > 3) options.random_state = std::strtoull(argv[3], nullptr, 10);
+  if (argc > 4 && std::string(argv[4]) == "19c") options.format = tracegen::TraceFormat::kOracle19c;
   tracegen::GeneratedCounts counts;
   if (!tracegen::WriteTraceFile(argv[1], options, &counts)) {
     std::fprintf(stderr, "gen_trace: cannot write %s\n", argv[1]);

@@ -33,6 +33,12 @@ class Random {
 struct CursorState {
   const SqlEntry* sql = nullptr;  // null: closed
   bool executed = false;
+  int dep = 0;
+};
+
+// What a 19c WAIT line names its three parameters, per event.
+struct EventParameters {
+  std::string_view first, second, third;
 };
 
 class Session {
@@ -41,12 +47,14 @@ class Session {
       : text_(out, options.crlf),
         random_(options.random_state),
         options_(options),
+        newer_(options.format == TraceFormat::kOracle19c),
         cursors_(static_cast<std::size_t>(options.cursor_slots + 4)) {}
 
   GeneratedCounts Run();
 
  private:
   void Header();
+  void Header19c();
   void Step();
   void OpenStatement(int cursor, const SqlEntry& sql, int dep);
   void Execute(int cursor, int dep);
@@ -56,7 +64,14 @@ class Session {
   void Call(std::string_view keyword, int cursor, int dep, std::int64_t rows, bool counted = true);
   void Wait(int cursor, std::string_view name, std::int64_t ela, std::int64_t p1, bool counted);
   void Binds(int cursor, int count);
+  void Binds19c(int cursor, int count);
+  void Stat(int cursor, std::size_t id, std::string_view operation);
   void Hex(std::uint64_t value, int digits);
+  // The cursor's number in the trace: the slot in 9i, an address in 19c ("#140641987987624").
+  std::int64_t Number(int cursor) const {
+    return newer_ && cursor != 0 ? 140641987987000 + std::int64_t{cursor} * 4712 : cursor;
+  }
+  void Timestamp(std::string_view older, std::string_view newer) { Line(newer_ ? newer : older); }
   void Line(std::string_view line) {
     text_ << line;
     text_.EndLine();
@@ -66,6 +81,7 @@ class Session {
   TraceText text_;
   Random random_;
   GeneratorOptions options_;
+  bool newer_;
   GeneratedCounts counts_;
   std::vector<CursorState> cursors_;  // index: cursor number
   std::int64_t tim_ = 1083929217630818;
@@ -85,6 +101,10 @@ GeneratedCounts Session::Run() {
 }
 
 void Session::Header() {
+  if (newer_) {
+    Header19c();
+    return;
+  }
   Line("/u01/app/oracle/admin/orcl/udump/orcl_ora_4242.trc");
   Line("Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production");
   Line("With the Partitioning, OLAP and Oracle Data Mining options");
@@ -106,6 +126,35 @@ void Session::Header() {
   Line("APPNAME mod='SQL*Plus' mh=3669949024 act='' ah=4029777240");
 }
 
+void Session::Header19c() {
+  Line("Trace file /u01/app/oracle/diag/rdbms/orcl/orcl/trace/orcl_ora_4242.trc");
+  Line("Oracle Database 19c Enterprise Edition Release 19.0.0.0.0 - Production");
+  Line("Version 19.14.2.0.0");
+  Line("Build label:    RDBMS_19.14.0.0.0DBRUR_LINUX.X64_220707");
+  Line("ORACLE_HOME:    /u01/app/oracle/product/19.0.0/dbhome_1");
+  Line("System name:    Linux");
+  Line("Node name:      dbhost01");
+  Line("Release:        5.4.17-2136.309.5.el8uek.x86_64");
+  Line("Version:        #2 SMP Sat Jul 16 13:06:22 PDT 2022");
+  Line("Machine:        x86_64");
+  Line("Instance name: orcl");
+  Line("Redo thread mounted by this instance: 1");
+  text_ << "Oracle process number: " << process_number_;
+  text_.EndLine();
+  Line("Unix process pid: 4242, image: oracle@dbhost01");
+  Line("");
+  Line("");
+  Line("*** 2023-05-19T05:28:00.339263+02:00 (ORCLPDB(3))");
+  Line("*** SESSION ID:(2773.37935) 2023-05-19T05:28:00.339309+02:00");
+  Line("*** CLIENT ID:() 2023-05-19T05:28:00.339315+02:00");
+  Line("*** SERVICE NAME:(orclpdb) 2023-05-19T05:28:00.339319+02:00");
+  Line("*** MODULE NAME:(JDBC Thin Client) 2023-05-19T05:28:00.339325+02:00");
+  Line("*** ACTION NAME:() 2023-05-19T05:28:00.339329+02:00");
+  Line("*** CLIENT DRIVER:(jdbcthin : 19.3.0.0.0) 2023-05-19T05:28:00.339332+02:00");
+  Line("*** CONTAINER ID:(3) 2023-05-19T05:28:00.339336+02:00");
+  Line(" ");
+}
+
 void Session::Step() {
   const int cursor = 1 + static_cast<int>(random_.Below(options_.cursor_slots));
   if (At(cursor).sql == nullptr || random_.Percent(options_.reopen_percent)) {
@@ -115,8 +164,17 @@ void Session::Step() {
     OpenStatement(cursor, kApplicationSql[pick], 0);
   }
   for (std::int64_t n = 1 + random_.Below(3); n > 0; --n) Execute(cursor, 0);
-  if (random_.Percent(15)) Line("XCTEND rlbk=0, rd_only=0");
-  if (random_.Percent(4)) Line("*** 2004-05-07 11:20:19.112");
+  if (random_.Percent(15)) {
+    if (newer_) {
+      text_ << "XCTEND rlbk=0, rd_only=0, tim=" << tim_;
+      text_.EndLine();
+    } else {
+      Line("XCTEND rlbk=0, rd_only=0");
+    }
+  }
+  if (random_.Percent(4)) {
+    Timestamp("*** 2004-05-07 11:20:19.112", "*** 2023-05-19T05:28:02.112000+02:00");
+  }
   if (options_.waits && random_.Percent(10)) {
     Wait(0, "SQL*Net message from client", 1000 + random_.Below(90000), 1650815232, false);
   }
@@ -134,12 +192,19 @@ void Session::OpenStatement(int cursor, const SqlEntry& sql, int dep) {
   }
   const std::int64_t uid = dep == 0 ? 57 : 0;
   Line("=====================");
-  text_ << "PARSING IN CURSOR #" << std::int64_t{cursor}
+  text_ << "PARSING IN CURSOR #" << Number(cursor)
         << " len=" << static_cast<std::int64_t>(sql_text.size()) << " dep=" << std::int64_t{dep}
         << " uid=" << uid << " oct=" << std::int64_t{sql.oct} << " lid=" << uid << " tim=" << tim_
         << " hv=" << static_cast<std::int64_t>(random_.Below(4294967295)) << " ad='";
-  Hex(random_.Next(), 8);
+  Hex(random_.Next(), newer_ ? 9 : 8);
   text_ << "'";
+  if (newer_) {
+    text_ << " sqlid='";
+    for (int i = 0; i < 13; ++i) {
+      text_ << std::string_view(&"0123456789abcdfghjkmnpqrstuvwxyz"[random_.Below(32)], 1);
+    }
+    text_ << "'";
+  }
   text_.EndLine();
   std::string_view rest(sql_text);
   for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
@@ -150,17 +215,24 @@ void Session::OpenStatement(int cursor, const SqlEntry& sql, int dep) {
   Line("END OF STMT");
   ++counts_.statements;
   ++statements_in_section_;
-  At(cursor) = CursorState{&sql, false};
+  At(cursor) = CursorState{&sql, false, dep};
   Call("PARSE #", cursor, dep, 0);
 }
 
 void Session::Execute(int cursor, int dep) {
   const SqlEntry& sql = *At(cursor).sql;
   const bool binds = options_.binds && sql.binds > 0;
-  if (binds) Binds(cursor, sql.binds);
+  if (binds) {
+    if (newer_) {
+      Binds19c(cursor, sql.binds);
+    } else {
+      Binds(cursor, sql.binds);
+    }
+  }
   if (options_.waits && random_.Percent(30)) {
-    // The first line after a BINDS block ends the block and is lost unless it is an EXEC line.
-    bool right_after_binds = binds;
+    // In 9i the first line after a BINDS block ends the block and is lost unless it is an EXEC
+    // line; nothing is lost behind a 19c block.
+    bool right_after_binds = binds && !newer_;
     for (std::int64_t n = 1 + random_.Below(3); n > 0; --n) {
       Wait(cursor, "db file sequential read", 100 + random_.Below(20000), 4 + random_.Below(8),
            !right_after_binds);
@@ -183,19 +255,39 @@ void Session::Execute(int cursor, int dep) {
 void Session::CloseCursor(int cursor) {
   CursorState& state = At(cursor);
   if (state.sql != nullptr && state.executed && options_.stats) {
-    // 9i writes the plan rows when the cursor closes.
+    // 9i writes the plan rows when the cursor closes (19c after the first execution by default;
+    // here at the close too).
     for (std::size_t id = 0; id < state.sql->plan.size() && !state.sql->plan[id].empty(); ++id) {
-      const std::int64_t rows = random_.Below(200);
-      text_ << "STAT #" << std::int64_t{cursor} << " id=" << static_cast<std::int64_t>(id + 1)
-            << " cnt=" << rows << " pid=" << static_cast<std::int64_t>(id)
-            << " pos=1 obj=" << (id == 0 ? 0 : 30 + random_.Below(60000)) << " op='"
-            << state.sql->plan[id] << " (cr=" << random_.Below(900) << " r=" << random_.Below(40)
-            << " w=0 time=" << random_.Below(90000) << " us)'";
-      text_.EndLine();
-      ++counts_.stats;
+      Stat(cursor, id, state.sql->plan[id]);
     }
   }
+  if (newer_ && state.sql != nullptr) {
+    tim_ += 3;
+    text_ << "CLOSE #" << Number(cursor) << ":c=0,e=3,dep=" << std::int64_t{state.dep}
+          << ",type=" << random_.Below(4) << ",tim=" << tim_;
+    text_.EndLine();
+  }
   state = CursorState{};
+}
+
+// STAT #1 id=2 cnt=14 pid=1 pos=1 obj=31 op='TABLE ACCESS FULL EMP (cr=8 r=7 w=0 time=290 us)'
+// STAT #1407.. id=1 cnt=14 pid=0 pos=1 obj=894 op='INDEX RANGE SCAN X (cr=5 pr=1 pw=0 str=1
+//   time=439 us cost=4 size=246 card=6)'
+void Session::Stat(int cursor, std::size_t id, std::string_view operation) {
+  const std::int64_t rows = random_.Below(200);
+  text_ << "STAT #" << Number(cursor) << " id=" << static_cast<std::int64_t>(id + 1)
+        << " cnt=" << rows << " pid=" << static_cast<std::int64_t>(id)
+        << " pos=1 obj=" << (id == 0 ? 0 : 30 + random_.Below(60000)) << " op='" << operation
+        << " (cr=" << random_.Below(900);
+  if (newer_) {
+    text_ << " pr=" << random_.Below(40) << " pw=0 str=1 time=" << random_.Below(90000)
+          << " us cost=" << random_.Below(50) << " size=" << random_.Below(9000) << " card=" << rows
+          << ")'";
+  } else {
+    text_ << " r=" << random_.Below(40) << " w=0 time=" << random_.Below(90000) << " us)'";
+  }
+  text_.EndLine();
+  ++counts_.stats;
 }
 
 void Session::Recursive() {
@@ -218,10 +310,15 @@ void Session::NewSection() {
 void Session::Call(std::string_view keyword, int cursor, int dep, std::int64_t rows, bool counted) {
   const std::int64_t elapsed = 20 + random_.Below(3000);
   tim_ += elapsed;
-  text_ << keyword << std::int64_t{cursor} << ":c=" << random_.Below(3) * 10000 << ",e=" << elapsed
-        << ",p=" << random_.Below(4) << ",cr=" << random_.Below(40) << ",cu=" << random_.Below(6)
-        << ",mis=" << (keyword == "PARSE #" ? random_.Below(2) : 0) << ",r=" << rows
-        << ",dep=" << std::int64_t{dep} << ",og=4,tim=" << tim_;
+  text_ << keyword << Number(cursor) << ":c=" << random_.Below(3) * (newer_ ? 1000 : 10000)
+        << ",e=" << elapsed << ",p=" << random_.Below(4) << ",cr=" << random_.Below(40)
+        << ",cu=" << random_.Below(6) << ",mis=" << (keyword == "PARSE #" ? random_.Below(2) : 0)
+        << ",r=" << rows << ",dep=" << std::int64_t{dep};
+  if (newer_) {
+    text_ << ",og=1,plh=" << 1000000 + std::int64_t{At(cursor).sql->oct} * 7919 << ",tim=" << tim_;
+  } else {
+    text_ << ",og=4,tim=" << tim_;
+  }
   text_.EndLine();
   if (!counted) return;
   if (keyword == "PARSE #") ++counts_.parse_calls;
@@ -230,17 +327,27 @@ void Session::Call(std::string_view keyword, int cursor, int dep, std::int64_t r
 }
 
 // WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1
+// WAIT #1406..: nam='db file sequential read' ela= 343 file#=4 block#=1234 blocks=1 obj#=89 tim=..
 void Session::Wait(int cursor, std::string_view name, std::int64_t ela, std::int64_t p1,
                    bool counted) {
   tim_ += ela;
-  text_ << "WAIT #" << std::int64_t{cursor} << ": nam='" << name << "' ela= " << ela << " p1=" << p1
-        << " p2=" << random_.Below(300000) << " p3=" << random_.Below(2);
+  text_ << "WAIT #" << Number(cursor) << ": nam='" << name << "' ela= " << ela;
+  if (newer_) {
+    const bool read = name == "db file sequential read";
+    const EventParameters names = read ? EventParameters{"file#", "block#", "blocks"}
+                                       : EventParameters{"driver id", "#bytes", "p3"};
+    text_ << " " << names.first << "=" << (read ? p1 : 675562835) << " " << names.second << "="
+          << (read ? random_.Below(300000) : 1) << " " << names.third << "=" << (read ? 1 : 0)
+          << " obj#=" << 30 + random_.Below(60000) << " tim=" << tim_;
+  } else {
+    text_ << " p1=" << p1 << " p2=" << random_.Below(300000) << " p3=" << random_.Below(2);
+  }
   text_.EndLine();
   if (counted) ++counts_.waits;
 }
 
 void Session::Binds(int cursor, int count) {
-  text_ << "BINDS #" << std::int64_t{cursor} << ":";
+  text_ << "BINDS #" << Number(cursor) << ":";
   text_.EndLine();
   for (int bind = 0; bind < count; ++bind) {
     const bool number = random_.Percent(60);
@@ -267,8 +374,47 @@ void Session::Binds(int cursor, int count) {
   ++counts_.bind_sets;
 }
 
+// BINDS #140641987987624:
+//
+//  Bind#0
+//   oacdty=02 mxl=22(22) mxlc=00 mal=00 scl=00 pre=00
+//   oacflg=03 fl2=1000000 frm=01 csi=873 siz=24 off=0
+//   kxsbbbfp=7fe9c3cf3450  bln=22  avl=06  flg=05
+//   value=111242892
+void Session::Binds19c(int cursor, int count) {
+  text_ << "BINDS #" << Number(cursor) << ":";
+  text_.EndLine();
+  Line("");
+  for (int bind = 0; bind < count; ++bind) {
+    const bool number = random_.Percent(60);
+    const bool null_value = random_.Percent(5);
+    text_ << " Bind#" << std::int64_t{bind};
+    text_.EndLine();
+    text_ << (number ? "  oacdty=02 mxl=22(22)" : "  oacdty=01 mxl=32(09)")
+          << " mxlc=00 mal=00 scl=00 pre=00";
+    text_.EndLine();
+    text_ << "  oacflg=03 fl2=1000000 frm=01 csi=873 siz=" << (number ? "24" : "32") << " off=0";
+    text_.EndLine();
+    text_ << "  kxsbbbfp=";
+    Hex(random_.Next(), 12);
+    text_ << (number ? "  bln=22" : "  bln=32") << (null_value ? "  avl=00" : "  avl=02")
+          << "  flg=05";
+    text_.EndLine();
+    if (!null_value) {
+      if (number) {
+        text_ << "  value=" << random_.Below(100000);
+      } else {
+        text_ << "  value=\"CUST" << random_.Below(99999) << "\"";
+      }
+      text_.EndLine();
+    }
+  }
+  counts_.binds += static_cast<std::uint64_t>(count);
+  ++counts_.bind_sets;
+}
+
 void Session::Hex(std::uint64_t value, int digits) {
-  char hex[16];
+  char hex[16];  // at most 16 digits
   for (int i = digits - 1; i >= 0; --i) {
     hex[i] = "0123456789abcdef"[value & 15];
     value >>= 4;

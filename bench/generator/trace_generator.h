@@ -1,9 +1,13 @@
-// Writes realistic Oracle 9i SQL trace files (event 10046 level 12 layout) for tests and
+// Writes realistic Oracle SQL trace files (event 10046 level 12 layout) for tests and
 // benchmarks: a header with the release banner, a session line, then statements opened on a
 // handful of cursor numbers (reused as the application closes and reopens them), recursive
 // dictionary queries, BINDS blocks, EXEC/FETCH calls with their waits, STAT rows when a cursor
 // closes, XCTEND and timestamp lines, WAIT #0 lines between calls, and optionally new trace
 // sections ("Oracle process number:") and the size-limit line at the end.
+//
+// Two layouts: Oracle 9i, and Oracle 19c (cursor numbers are addresses, plh= on the calls,
+// Bind#n blocks, WAIT lines with named parameters, obj# and tim, STAT figures with pr/pw/str
+// and the optimizer's estimates, CLOSE lines, ISO timestamps with the PDB).
 //
 // The same options (random_state included) always give the same bytes.
 #ifndef PELICOR_BENCH_GENERATOR_TRACE_GENERATOR_H_
@@ -15,7 +19,10 @@
 
 namespace tracegen {
 
+enum class TraceFormat { kOracle9i, kOracle19c };
+
 struct GeneratorOptions {
+  TraceFormat format = TraceFormat::kOracle9i;
   std::uint64_t target_bytes = 1 << 20;  // writing stops at the first statement boundary past it
   std::uint64_t random_state = 0x9e3779b97f4a7c15ULL;
   int cursor_slots = 6;        // top-level cursor numbers 1..cursor_slots
@@ -38,7 +45,9 @@ struct GeneratedCounts {
   std::uint64_t parse_calls = 0;
   std::uint64_t exec_calls = 0;
   std::uint64_t fetch_calls = 0;
-  std::uint64_t waits = 0;  // WAIT lines of open cursors (WAIT #0 lines are not counted)
+  // WAIT lines of open cursors (WAIT #0 lines are not counted, nor, in 9i traces, a WAIT right
+  // behind a BINDS block, which ends the block and is lost)
+  std::uint64_t waits = 0;
   std::uint64_t binds = 0;
   std::uint64_t stats = 0;
   std::uint64_t bind_sets = 0;

@@ -8,9 +8,10 @@ namespace parser {
 namespace {
 
 // A cursor that its line did not supply still holds kNoCursor, which prints as the -1 it
-// stands for; every other cursor number prints in full.
-void WriteCursor(OutputSink& out, CursorNo cursor) {
-  if (cursor == kNoCursor) {
+// stands for; every other cursor number prints in full, 18446744073709551615 read from a line
+// included.
+void WriteCursor(OutputSink& out, CursorNo cursor, bool known) {
+  if (cursor == kNoCursor && !known) {
     out.Write("-1");
   } else {
     out.WriteUnsigned(cursor);
@@ -146,7 +147,7 @@ void WriteWait(OutputSink& out, const WaitRecord& wait) {
 
 void WriteHeader(OutputSink& out, const ParseInCursorRecord& header) {
   out.Write("<PARSEINCURSOR cursor=\"");
-  WriteCursor(out, header.cursor);
+  WriteCursor(out, header.cursor, header.cursor_known);
   out.Write("\" len=\"");
   out.WriteInt(header.len);
   out.Write("\" dep=\"");
@@ -196,7 +197,7 @@ void WriteSection(OutputSink& out, const std::vector<Record>& records, std::stri
 void WriteStatement(OutputSink& out, const TraceStatement& statement,
                     const DocumentContext& context) {
   out.Write("<STATEMENT>\n<CURSORNO cursor=\"");
-  WriteCursor(out, statement.cursor);
+  WriteCursor(out, statement.cursor, statement.cursor_known);
   out.Write("\"></CURSORNO>\n<SQL>");
   if (statement.is_parse_error) {
     out.WriteCdata(statement.parse_error.text);

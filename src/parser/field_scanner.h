@@ -69,6 +69,16 @@ class FieldScanner {
   FieldScanner& Word(std::string_view* value);
   FieldScanner& Word(std::string* value);
 
+  // True when the scan is still going and the text goes on with `literal`, character for
+  // character; nothing is consumed. For fields that only some releases write.
+  bool LooksAt(std::string_view literal) const {
+    if (!ok_ || text_.size() - pos_ < literal.size()) return false;
+    for (std::size_t i = 0; i < literal.size(); ++i) {
+      if (text_[pos_ + i] != literal[i]) return false;
+    }
+    return true;
+  }
+
   bool ok() const { return ok_; }
   // Where the next step would start reading.
   std::size_t position() const { return pos_; }

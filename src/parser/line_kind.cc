@@ -55,4 +55,66 @@ LineKind ClassifyLine(std::string_view line, const DispatchState& state) {
   }
 }
 
+namespace {
+
+bool StartsWith(std::string_view line, std::string_view prefix) {
+  return line.substr(0, prefix.size()) == prefix;
+}
+
+bool IsLineSpace(char c) {
+  return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+bool IsDigitAt(std::string_view line, std::size_t i) {
+  const char c = CharAt(line, i);
+  return c >= '0' && c <= '9';
+}
+
+// "Oracle Database 19c Enterprise Edition Release 19.0.0.0.0 - Production", also "Oracle
+// Database 11g Release 11.1.0.6.0 - Production" (SE) and "Oracle AI Database 26ai Free Release
+// 23.26.0.0.0 - ...": a "Release " followed by a digit must be there.
+bool IsDatabaseBanner(std::string_view line) {
+  if (!StartsWith(line, "Oracle Database ") && !StartsWith(line, "Oracle AI Database ")) {
+    return false;
+  }
+  const std::size_t release = line.find(" Release ");
+  return release != std::string_view::npos && IsDigitAt(line, release + 9);
+}
+
+}  // namespace
+
+LineKind ClassifyNewerForm(std::string_view line) {
+  switch (CharAt(line, 0)) {
+    case 'C':
+      return StartsWith(line, "CLOSE #") ? LineKind::kClose : LineKind::kIgnored;
+    case 'O':
+      return IsDatabaseBanner(line) ? LineKind::kDatabaseBanner : LineKind::kIgnored;
+    case 'V':
+      return StartsWith(line, "Version ") && IsDigitAt(line, 8) ? LineKind::kVersion
+                                                                : LineKind::kIgnored;
+    case 'X':
+      return StartsWith(line, "XCTEND ") ? LineKind::kXctend : LineKind::kIgnored;
+    default:
+      return LineKind::kIgnored;
+  }
+}
+
+bool EndsNewerBindBlock(std::string_view line, const DispatchState& state) {
+  if (CharAt(line, 0) == ' ') return false;  // bind sub-lines; no record starts with a blank
+  if (ClassifyLine(line, state) != LineKind::kIgnored) return true;
+  if (ClassifyNewerForm(line) != LineKind::kIgnored) return true;
+  for (const std::string_view record : {"=====", "ERROR #", "LOB", "UNMAP #", "SORT UNMAP #"}) {
+    if (StartsWith(line, record)) return true;
+  }
+  return false;
+}
+
+bool OpensNewerBindBlock(std::string_view line) {
+  if (StartsWith(line, " Bind#") || StartsWith(line, "kkscoacd")) return true;
+  for (const char c : line) {
+    if (!IsLineSpace(c)) return false;
+  }
+  return true;
+}
+
 }  // namespace parser

@@ -35,6 +35,20 @@ inline std::string_view From(std::string_view text, std::size_t from) {
   return from < text.size() ? text.substr(from) : std::string_view();
 }
 
+// True when the text holds nothing but white space (or nothing).
+inline bool IsBlank(std::string_view text) {
+  for (const char c : text) {
+    if (c != ' ' && (c < '\t' || c > '\r')) return false;
+  }
+  return true;
+}
+
+// The line that ends a cursor's SQL text: "END OF STMT" with its line end, if any.
+inline bool IsEndOfStatement(std::string_view line) {
+  constexpr std::string_view kEnd = "END OF STMT";
+  return line.substr(0, kEnd.size()) == kEnd && IsBlank(line.substr(kEnd.size()));
+}
+
 // True for a line that tells that the server stopped writing the trace at its size limit:
 //   *** DUMP FILE SIZE IS LIMITED TO 5242880 BYTES ***
 // that is, any line with three asterisks and "file" or "FILE" in it, except the lines that say

@@ -12,7 +12,9 @@ namespace parser {
 
 // Cursor numbers are small integers up to Oracle 11.2.0.1 and addresses from 11.2.0.2 on
 // ("PARSING IN CURSOR #140736410372616 len=..."), so they are held at full unsigned 64-bit
-// width. kNoCursor stands for a cursor field that the line did not supply; it prints as -1.
+// width. kNoCursor is the value of a cursor field that the line did not supply, and prints as -1
+// unless the record says that a line did supply it: 18446744073709551615 is a cursor number
+// too, and is printed in full.
 using CursorNo = std::uint64_t;
 inline constexpr CursorNo kNoCursor = ~CursorNo{0};
 
@@ -50,6 +52,7 @@ struct ParseInCursorRecord {
   std::int64_t hv = 0;
   std::string ad;
   std::string text;
+  bool cursor_known = false;  // set by the scanner when the line supplied the cursor number
 };
 
 // PARSE ERROR #3:len=17 dep=0 uid=5 oct=3 lid=5 tim=1083929217633781 err=942
@@ -64,6 +67,7 @@ struct ParseErrorRecord {
   std::int64_t tim = 0;
   std::int64_t err = 0;
   std::string text;
+  bool cursor_known = false;
 };
 
 // One bind of a BINDS block (8i/9i layout):

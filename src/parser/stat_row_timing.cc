@@ -1,5 +1,6 @@
 #include "parser/stat_row_timing.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace parser {
@@ -46,6 +47,28 @@ bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
+// From 10g on the figures are named after physical reads and writes, and later releases add
+// the starts, the cost and the estimates around the time:
+//   (cr=5 pr=1 pw=0 str=1 time=439 us cost=4 size=246 card=6)
+// True when `text` (from "cr=") is of that form; cr, r and w then come from cr, pr and pw.
+bool ReadNewerCounts(std::string_view text, StatRowTiming* timing) {
+  std::int64_t cr = 0;
+  if (!TakeLiteral(text, "cr=") || !TakeInt64(text, &cr)) return false;
+  SkipSpace(text);
+  if (!TakeLiteral(text, "pr=")) return false;
+  timing->cr = cr;
+  if (!TakeInt64(text, &timing->r)) return true;
+  SkipSpace(text);
+  if (TakeLiteral(text, "pw=")) TakeInt64(text, &timing->w);
+  return true;
+}
+
+// "439 us cost=4 size=246 card=6)" -> "439 us": the time ends where the cost or the group ends.
+std::string_view NewerTime(std::string_view time) {
+  const std::size_t end = std::min(time.find(" cost="), time.find(')'));
+  return end == std::string_view::npos ? time : time.substr(0, end);
+}
+
 }  // namespace
 
 StatRowTiming ReadStatRowTiming(std::string_view op) {
@@ -53,8 +76,13 @@ StatRowTiming ReadStatRowTiming(std::string_view op) {
   timing.present =
       Contains(op, "cr=") && Contains(op, "r=") && Contains(op, "w=") && Contains(op, "time=");
   if (!timing.present) return timing;
-  ReadCounts(op.substr(op.find("cr=")), &timing);
+  const std::string_view counts = op.substr(op.find("cr="));
   std::string_view time = op.substr(op.find("time=") + 5);
+  if (ReadNewerCounts(counts, &timing)) {
+    timing.time = NewerTime(time);
+    return timing;
+  }
+  ReadCounts(counts, &timing);
   if (Contains(time, ")")) time.remove_suffix(1);
   timing.time = time;
   return timing;

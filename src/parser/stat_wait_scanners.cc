@@ -30,17 +30,20 @@ void ScanStatLine(std::string_view line, StatRecord* record) {
 }
 
 // WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1
-void ScanWaitLine(std::string_view line, WaitRecord* record) {
+std::size_t ScanWaitFields(std::string_view line, WaitRecord* record, std::size_t* ela_at) {
+  constexpr std::size_t kStopped = std::string_view::npos;
+  if (ela_at != nullptr) *ela_at = kStopped;
   FieldScanner(line).Literal("WAIT #").Cursor(&record->cursor).Literal(":");
   const std::size_t nam = line.find("nam=");
-  if (nam == std::string_view::npos) return;
+  if (nam == std::string_view::npos) return kStopped;
   const std::size_t name_start = nam + 5;  // past "nam='"
   const std::size_t ela = line.find("ela", nam);
-  if (ela == std::string_view::npos) return;
+  if (ela == std::string_view::npos) return kStopped;
+  if (ela_at != nullptr) *ela_at = ela;
   // The name ends two characters before "ela": the closing quote and the blank.
   if (ela >= name_start + 2) record->nam = line.substr(name_start, ela - 2 - name_start);
-  FieldScanner(line.substr(ela))
-      .Literal("ela= ")
+  FieldScanner scan(line.substr(ela));
+  scan.Literal("ela= ")
       .Int64(&record->ela)
       .Literal(" p1=")
       .Int64(&record->p1)
@@ -48,6 +51,39 @@ void ScanWaitLine(std::string_view line, WaitRecord* record) {
       .Int64(&record->p2)
       .Literal(" p3=")
       .Int64(&record->p3);
+  return scan.ok() ? ela + scan.position() : kStopped;
+}
+
+void ScanWaitLine(std::string_view line, WaitRecord* record) {
+  ScanWaitFields(line, record, nullptr);
+}
+
+// WAIT #2: nam='PL/SQL lock timer' ela= 977343 duration=100 p2=0 p3=0 obj#=-1 tim=115639095955..
+bool ScanNamedWaitFields(std::string_view rest, WaitRecord* record) {
+  const std::size_t tim = rest.rfind(" tim=");
+  std::int64_t own_time = 0;
+  if (tim == std::string_view::npos || !FieldScanner(rest.substr(tim + 5)).Int64(&own_time).ok()) {
+    return false;
+  }
+  // The three parameters stand between ela's value and " obj#=" (or the time, if obj# is
+  // missing); each value is the number behind the next '='.
+  const std::size_t object = rest.rfind(" obj#=", tim);
+  const std::string_view fields = rest.substr(0, object < tim ? object : tim);
+  FieldScanner ela_value(fields);
+  std::int64_t ela_read = 0;
+  ela_value.Literal("ela=").Int64(&ela_read);
+  std::size_t at = ela_value.ok() ? ela_value.position() : fields.size();
+  std::int64_t* const values[] = {&record->p1, &record->p2, &record->p3};
+  for (std::int64_t* value : values) {
+    *value = 0;
+    const std::size_t equals = fields.find('=', at);
+    if (equals == std::string_view::npos) continue;
+    FieldScanner number(fields.substr(equals + 1));
+    number.Int64(value);
+    at = equals + 1 + number.position();
+  }
+  record->tim = own_time;
+  return true;
 }
 
 }  // namespace parser

@@ -25,6 +25,7 @@
 #include "parser/line_source.h"
 #include "parser/name_pool.h"
 #include "parser/records.h"
+#include "parser/recursive_calls.h"
 #include "parser/sort_options.h"
 #include "parser/statement_table.h"
 #include "parser/trace_statement.h"
@@ -138,8 +139,17 @@ class CTraceParser {
   std::int64_t TimeDivisor() const { return time_divisor_; }
   char ReleaseCharacter() const { return release_char_; }
   // The major version of the last release banner seen ("Oracle9i ... Release 9.2.0.4.0" gives
-  // 9), 0 before any; for writers of a parser without a database version.
+  // 9, "Oracle Database 19c ... Release 19.0.0.0.0" 19), 0 before any, kNewerFormsVersion when
+  // only the line forms told the release; for writers of a parser without a database version.
   int BannerMajorVersion() const { return banner_major_version_; }
+  // True when the trace was written by Oracle 10g or later: an "Oracle Database ..." banner or a
+  // "Version 19.x" line said so, or, with no banner at all, a line form that only those releases
+  // write (plan hashes on calls, CLOSE lines, WAIT lines with their own tim, Bind#n blocks,
+  // sqlid). Such traces are read in microseconds, their SQL text ends at END OF STMT, and each
+  // call is counted in the totals without the figures of its recursive calls, as TKPROF does.
+  bool NewerForms() const { return newer_forms_; }
+  // The major version assumed for a trace without a banner whose line forms are 10g's or later.
+  static constexpr int kNewerFormsVersion = 10;
   const std::string& TraceFileName() const { return trace_file_name_; }
 
  protected:
@@ -164,15 +174,32 @@ class CTraceParser {
   virtual void ScanBinds(std::string_view line);
   virtual void ScanWait(std::string_view line);
   virtual void ScanParseError(std::string_view line);
+  // The scanners of the lines that Oracle 10g and later added.
+  virtual void ScanClose(std::string_view line);
+  virtual void ScanXctend(std::string_view line);
 
  private:
+  // Hands the line to its scanner; true when a BINDS block of the 10g+ layout ended at a line
+  // that is now in line_buffer_, to be dispatched in its turn.
+  bool DispatchOnce(std::string_view line);
   void TakeSessionTimestamp(std::string_view line);
   void TakeRelease(std::string_view line);
-  // Appends lines to `text` until it holds at least len - 2 characters or the input ends.
-  void ReadSqlText(std::int32_t len, std::string* text);
+  // "Oracle Database 19c ... Release 19.0.0.0.0 - Production" and "Version 19.14.2.0.0": the
+  // major version starts at `version`.
+  void TakeNewerRelease(std::string_view version);
+  // A line form of 10g or later was seen: without any banner, the trace is read as such.
+  void NoteNewerForm();
+  // The figures a call adds to its statement's totals (see NewerForms).
+  CallRecord CountedFigures(const CallRecord& call);
+  // Appends lines to `text` until it holds at least len - 2 characters or the input ends; for
+  // PARSING IN CURSOR in a newer trace also at an END OF STMT line, which is consumed.
+  void ReadSqlText(std::int32_t len, std::string* text, bool until_end_of_statement);
   void FileCursorHeader(ParseInCursorRecord header);
   // Reads one bind of a BINDS block from its definition line on; see ScanBinds.
   bool ReadBind(std::string_view* line, BindRecord* bind);
+  // The rest of a BINDS block in the 10g+ layout, from its first line after "BINDS #n:".
+  void ReadNewerBinds(TraceStatement* statement, CursorNo cursor, std::int32_t bind_set,
+                      std::string_view line);
   void SetFlags(std::uint8_t flags);
   bool SourceAtEnd() const;
   // Whole-input forms: reads to the end of the source, then closes every statement.
@@ -208,6 +235,10 @@ class CTraceParser {
   const SortOptions* sort_options_ = nullptr;
   bool aggregated_ = false;
   int banner_major_version_ = 0;
+  bool release_seen_ = false;  // some banner or Version line, older or newer
+  bool newer_forms_ = false;
+  RecursiveCalls recursive_calls_;
+  bool hand_back_ = false;  // see DispatchOnce
   // The line in hand: what the BINDS scanner leaves for the dispatcher's EXEC follow-up.
   std::string_view line_buffer_;
   bool line_may_mark_limit_ = true;

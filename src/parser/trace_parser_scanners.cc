@@ -20,8 +20,14 @@ std::int64_t WrappingAdd(std::int64_t a, std::int64_t b) {
 }  // namespace
 
 void CTraceParser::DispatchLine(std::string_view line) {
+  while (DispatchOnce(line)) line = line_buffer_;
+}
+
+bool CTraceParser::DispatchOnce(std::string_view line) {
   const DispatchState state{session_timestamp_taken_, skip_binds_, skip_waits_};
-  switch (ClassifyLine(line, state)) {
+  LineKind kind = ClassifyLine(line, state);
+  if (kind == LineKind::kIgnored) kind = ClassifyNewerForm(line);
+  switch (kind) {
     case LineKind::kIgnored:
       break;
     case LineKind::kSessionTimestamp:
@@ -29,6 +35,10 @@ void CTraceParser::DispatchLine(std::string_view line) {
       break;
     case LineKind::kBinds:
       ScanBinds(line);
+      if (hand_back_) {  // a 10g+ block: the line that ended it is a line like any other
+        hand_back_ = false;
+        return true;
+      }
       // The line that ended the block is scanned only when it is an EXEC line; any other
       // (PARSE, WAIT, STAT) is lost, as the trace format's readers have always done.
       if (Contains(line_buffer_, "EXEC")) ScanExec(line_buffer_);
@@ -44,6 +54,7 @@ void CTraceParser::DispatchLine(std::string_view line) {
       break;
     case LineKind::kProcessNumber:
       CloseAll();  // a new trace section starts in the same file
+      recursive_calls_.Clear();
       break;
     case LineKind::kParsingInCursor:
       ScanParsingInCursor(line);
@@ -60,7 +71,20 @@ void CTraceParser::DispatchLine(std::string_view line) {
     case LineKind::kWait:
       ScanWait(line);
       break;
+    case LineKind::kDatabaseBanner:
+      TakeNewerRelease(From(line, line.find(" Release ") + 9));
+      break;
+    case LineKind::kVersion:
+      TakeNewerRelease(From(line, 8));
+      break;
+    case LineKind::kClose:
+      ScanClose(line);
+      break;
+    case LineKind::kXctend:
+      ScanXctend(line);
+      break;
   }
+  return false;
 }
 
 // *** SESSION ID:(9.1407) 2004-05-07 11:20:17.631
@@ -75,6 +99,8 @@ void CTraceParser::TakeSessionTimestamp(std::string_view line) {
 // One character decides: '8' and below are centisecond releases. "Oracle10g" therefore counts
 // as centiseconds too, which is how these traces have always been read.
 void CTraceParser::TakeRelease(std::string_view line) {
+  release_seen_ = true;
+  newer_forms_ = false;
   release_char_ = CharAt(line, 6);
   time_divisor_ = static_cast<signed char>(release_char_) <= '8' ? 100 : 1000000;
   const std::size_t release = line.find("Release ");
@@ -86,45 +112,53 @@ void CTraceParser::TakeRelease(std::string_view line) {
 
 void CTraceParser::ScanParse(std::string_view line) {
   CallRecord call;
-  ScanCallLine(line, kParseKeyword, &call);
+  if (ScanCallLine(line, kParseKeyword, &call)) NoteNewerForm();
   current_time_ = call.tim;
+  const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     statement->parse_calls.push_back(call);
-    statement->totals[kParseTotals].Add(call);
+    statement->totals[kParseTotals].Add(counted);
   }
 }
 
 void CTraceParser::ScanExec(std::string_view line) {
   ExecCallRecord call;
-  ScanCallLine(line, kExecKeyword, &call);
+  if (ScanCallLine(line, kExecKeyword, &call)) NoteNewerForm();
   current_time_ = call.tim;
+  const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     call.exebnd = statement->bind_set_count - 1;
     statement->exec_calls.push_back(call);
-    statement->totals[kExecTotals].Add(call);
+    statement->totals[kExecTotals].Add(counted);
   }
 }
 
 void CTraceParser::ScanFetch(std::string_view line) {
   CallRecord call;
-  ScanCallLine(line, kFetchKeyword, &call);
+  if (ScanCallLine(line, kFetchKeyword, &call)) NoteNewerForm();
   current_time_ = call.tim;
+  const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     statement->fetch_calls.push_back(call);
-    statement->totals[kFetchTotals].Add(call);
+    statement->totals[kFetchTotals].Add(counted);
   }
 }
 
-void CTraceParser::ReadSqlText(std::int32_t len, std::string* text) {
+void CTraceParser::ReadSqlText(std::int32_t len, std::string* text, bool until_end_of_statement) {
   const std::int64_t wanted = std::int64_t{len} - 2;
   std::string_view line;
-  while (static_cast<std::int64_t>(text->size()) < wanted && NextLine(&line)) text->append(line);
+  while (static_cast<std::int64_t>(text->size()) < wanted && NextLine(&line)) {
+    if (until_end_of_statement && IsEndOfStatement(line)) break;
+    text->append(line);
+  }
 }
 
 void CTraceParser::ScanParsingInCursor(std::string_view line) {
   ParseInCursorRecord header;
   ScanCursorLine(line, &header);
-  ReadSqlText(header.len, &header.text);
+  // 11g names the statement: "... ad='6db40e78' sqlid='0kmzfbupna0up'".
+  if (!release_seen_ && Contains(line, " sqlid='")) NoteNewerForm();
+  ReadSqlText(header.len, &header.text, newer_forms_);
   FileCursorHeader(std::move(header));
 }
 
@@ -138,8 +172,10 @@ void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
   TraceStatement* statement = merge_identical_sql_ ? ReopenBySqlText(header.text) : nullptr;
   if (statement != nullptr) {
     statement->cursor = cursor;  // the header stays the one first seen
+    statement->cursor_known = header.cursor_known;
   } else {
     statement = table_.OpenNew(cursor);
+    statement->cursor_known = header.cursor_known;
     statement->header = std::move(header);
   }
   table_.Cache(cursor, statement);
@@ -152,10 +188,11 @@ void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
 void CTraceParser::ScanParseError(std::string_view line) {
   ParseErrorRecord error;
   ScanParseErrorLine(line, &error);
-  ReadSqlText(error.len, &error.text);
+  ReadSqlText(error.len, &error.text, false);
   const CursorNo cursor = error.cursor;
   CloseCursor(cursor);
   TraceStatement* statement = table_.OpenNew(cursor);
+  statement->cursor_known = error.cursor_known;
   statement->parse_error = std::move(error);
   statement->is_parse_error = true;
   table_.Cache(cursor, statement);
@@ -171,9 +208,16 @@ void CTraceParser::ScanStat(std::string_view line) {
 
 void CTraceParser::ScanWait(std::string_view line) {
   WaitRecord wait;
-  ScanWaitLine(line, &wait);
-  // 9i waits carry no time of their own: each one moves the trace time on by its ela.
-  wait.tim = WrappingAdd(current_time_, wait.ela);
+  std::size_t ela = 0;
+  const std::size_t scanned = ScanWaitFields(line, &wait, &ela);
+  const bool older_form = scanned != std::string_view::npos && IsBlank(From(line, scanned));
+  if (!older_form && ela != std::string_view::npos &&
+      ScanNamedWaitFields(line.substr(ela), &wait)) {
+    NoteNewerForm();  // 10.2 and later: named parameters and the wait's own tim
+  } else {
+    // Earlier waits carry no time of their own: each one moves the trace time on by its ela.
+    wait.tim = WrappingAdd(current_time_, wait.ela);
+  }
   current_time_ = wait.tim;
   if (TraceStatement* statement = StatementForCursor(wait.cursor)) {
     wait.nam = wait_names_.Intern(wait.nam);
@@ -186,7 +230,8 @@ void CTraceParser::ScanWait(std::string_view line) {
 //    bfp=0a4f1c08 bln=22 avl=02 flg=05
 //    value=59
 // EXEC #2:c=0,e=174,p=0,cr=0,cu=0,mis=0,r=0,dep=1,og=4,tim=1083929217636632
-// The block ends at the first line without "bind"; that line is left in the line buffer.
+// The block ends at the first line without "bind"; that line is left in the line buffer. A
+// block in the 10g+ layout (" Bind#0" ...) is read by ReadNewerBinds.
 void CTraceParser::ScanBinds(std::string_view line) {
   CursorNo cursor = 0;
   ScanBindsLine(line, &cursor);
@@ -196,6 +241,10 @@ void CTraceParser::ScanBinds(std::string_view line) {
 
   std::string_view in_hand;
   bool have_line = NextLine(&in_hand);
+  if (have_line && OpensNewerBindBlock(in_hand)) {
+    ReadNewerBinds(statement, cursor, bind_set, in_hand);
+    return;
+  }
   while (have_line) {
     if (!Contains(in_hand, "bind")) {
       line_buffer_ = in_hand;

@@ -60,6 +60,24 @@ TEST(GeneratedTrace, EveryRecordIsFiledUnderItsStatement) {
   }
 }
 
+TEST(GeneratedTrace, Oracle19cTraceIsFiledWhole) {
+  tracegen::GeneratorOptions options;
+  options.format = tracegen::TraceFormat::kOracle19c;
+  options.target_bytes = 2 << 20;
+  options.process_line_every = 40;
+  for (const bool crlf : {false, true}) {
+    options.crlf = crlf;
+    const TempFile file;
+    tracegen::GeneratedCounts expected;
+    ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, &expected));
+    parser::CTraceParser trace;
+    trace.Parse(file.path(), 0);
+    ExpectFiledAsGenerated(trace.ClosedStatements(), expected);
+    EXPECT_TRUE(trace.NewerForms());
+    EXPECT_EQ(trace.BannerMajorVersion(), 19);
+  }
+}
+
 TEST(GeneratedTrace, BatchesFileTheSameAsOneParse) {
   tracegen::GeneratorOptions options;
   options.target_bytes = 1 << 20;
