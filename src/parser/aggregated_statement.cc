@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "parser/call_xml_writer.h"
 #include "parser/plan_tables.h"
 #include "parser/stat_row_timing.h"
 #include "parser/statement_summary.h"
@@ -95,18 +96,7 @@ void WriteSplitOp(OutputSink& out, const StatRecord& stat) {
 }
 
 void WriteStatRow(OutputSink& out, const StatRecord& stat, AggregatedStyle style) {
-  out.Write("<STATDATA id=\"");
-  out.WriteInt(stat.id);
-  out.Write("\" cnt=\"");
-  out.WriteInt(stat.cnt);
-  out.Write("\" pid=\"");
-  out.WriteInt(stat.pid);
-  out.Write("\" pos=\"");
-  out.WriteInt(stat.pos);
-  out.Write("\" obj=\"");
-  out.WriteInt(stat.obj);
-  out.Write("\" op=\"");
-  out.WriteXmlEscaped(stat.op);
+  WriteStatDataStart(out, stat);
   if (style == AggregatedStyle::kSorted) WriteSplitOp(out, stat);
   out.Write("\"></STATDATA>\n");
 }

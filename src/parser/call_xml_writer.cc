@@ -114,18 +114,7 @@ void WriteBind(OutputSink& out, const BindRecord& bind) {
 }
 
 void WriteStat(OutputSink& out, const StatRecord& stat) {
-  out.Write("<STATDATA id=\"");
-  out.WriteInt(stat.id);
-  out.Write("\" cnt=\"");
-  out.WriteInt(stat.cnt);
-  out.Write("\" pid=\"");
-  out.WriteInt(stat.pid);
-  out.Write("\" pos=\"");
-  out.WriteInt(stat.pos);
-  out.Write("\" obj=\"");
-  out.WriteInt(stat.obj);
-  out.Write("\" op=\"");
-  out.WriteXmlEscaped(stat.op);
+  WriteStatDataStart(out, stat);
   out.Write("\"></STATDATA>\n");
 }
 
@@ -219,6 +208,21 @@ void WriteStatement(OutputSink& out, const TraceStatement& statement,
 }
 
 }  // namespace
+
+void WriteStatDataStart(OutputSink& out, const StatRecord& stat) {
+  out.Write("<STATDATA id=\"");
+  out.WriteInt(stat.id);
+  out.Write("\" cnt=\"");
+  out.WriteInt(stat.cnt);
+  out.Write("\" pid=\"");
+  out.WriteInt(stat.pid);
+  out.Write("\" pos=\"");
+  out.WriteInt(stat.pos);
+  out.Write("\" obj=\"");
+  out.WriteInt(stat.obj);
+  out.Write("\" op=\"");
+  out.WriteXmlEscaped(stat.op);
+}
 
 void WriteCallXml(const StatementList& closed, const DocumentContext& context, OutputSink& out) {
   out.Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><STATEMENTS tim=\"");

@@ -31,6 +31,11 @@ void WriteCallXml(const StatementList& closed, const DocumentContext& context,
 // The document itself, into `out`.
 void WriteCallXml(const StatementList& closed, const DocumentContext& context, OutputSink& out);
 
+// The attributes every STATDATA row starts with, up to the escaped op text, whose closing quote
+// is the caller's: <STATDATA id="2" cnt="14" pid="1" pos="1" obj="31" op="TABLE ACCESS FULL EMP
+// (the aggregated documents write the same row and may add attributes behind op).
+void WriteStatDataStart(OutputSink& out, const StatRecord& stat);
+
 }  // namespace parser
 
 #endif  // PELICOR_PARSER_CALL_XML_WRITER_H_
