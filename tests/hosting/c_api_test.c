@@ -100,7 +100,7 @@ static void failures_and_checks(pelicor* p) {
          "UTL transport is not available in this build");
   pelicor_free(out);
   EXPECT(pelicor_FtpGetTraceFileList(p, 0, &msg), 1,
-         "FTP transport is not available in this build");
+         "hostname/username/password/udump, one of them is empty!");
   EXPECT(pelicor_ZantivGetTraceInfo(p, "select", "9.2.0.4.0", &msg), 1,
          "UTL transport is not available in this build");
   EXPECT(pelicor_SetSortOption(p, 1, 0, 1, 1, &msg), 0, "OK");
