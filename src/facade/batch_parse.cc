@@ -16,18 +16,6 @@
 
 namespace facade {
 
-namespace {
-
-template <typename Step>
-void IgnoringFailure(Step&& step) {
-  try {
-    step();
-  } catch (const exceptions::ExceptionBase&) {
-  }
-}
-
-}  // namespace
-
 void CPelicor::StartBatchParser() {
   // Batches are written call by call, so the sort options play no part.
   batch_parser_ = std::make_unique<parser::CTraceParser>();
@@ -47,11 +35,16 @@ void CPelicor::DropShareBatch() {
   nfs_stream_.reset();
 }
 
+// The manager is kept only once its data stream is open: closing a data connection that never
+// opened would wait the whole time-out for a reply that does not come.
 void CPelicor::StartFtpBatch(const std::string& file_name) {
   StartBatchParser();
-  ftp_stream_ = std::make_unique<transport::CFtpManager>();
-  ConnectFtp(*ftp_stream_);
-  ftp_stream_->OpenDataStream(file_name, 0);
+  auto manager = std::make_unique<transport::CFtpManager>();
+  CloseOnFailure(*manager, [&] {
+    ConnectFtp(*manager);
+    manager->OpenDataStream(file_name, 0);
+  });
+  ftp_stream_ = std::move(manager);
 }
 
 // The manager is released however closing goes; its destructor ends what is still open.

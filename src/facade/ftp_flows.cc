@@ -13,21 +13,6 @@ namespace {
 constexpr const char* kAllTraceFiles = "*.trc";
 constexpr std::uint16_t kLongListing = 1;
 
-// Runs `work`; when it fails, the session is closed before the failure goes on to become the
-// message. The first failure is the one the caller sees, not a failed QUIT behind it.
-template <typename Work>
-void CloseOnFailure(transport::CFtpManager& manager, Work&& work) {
-  try {
-    work();
-  } catch (const exceptions::ExceptionBase&) {
-    try {
-      manager.Close();
-    } catch (const exceptions::ExceptionBase&) {
-    }
-    throw;
-  }
-}
-
 }  // namespace
 
 // The manager appends the separator to the working directory itself.

@@ -35,6 +35,27 @@ int RunMethod(std::string* msg, Work&& work) {
   }
 }
 
+// Runs a clean-up step whose own failure must not replace the failure being reported.
+template <typename Step>
+void IgnoringFailure(Step&& step) {
+  try {
+    step();
+  } catch (const exceptions::ExceptionBase&) {
+  }
+}
+
+// Runs `work`; when it fails, `session` is closed before the failure goes on to become the
+// message (a failed close behind it is not reported).
+template <typename Session, typename Work>
+void CloseOnFailure(Session& session, Work&& work) {
+  try {
+    work();
+  } catch (const exceptions::ExceptionBase&) {
+    IgnoringFailure([&] { session.Close(); });
+    throw;
+  }
+}
+
 // A string argument as text; a missing one reads as empty.
 inline std::string Text(const char* argument) {
   return argument ? argument : "";
