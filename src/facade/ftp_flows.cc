@@ -8,13 +8,6 @@
 
 namespace facade {
 
-namespace {
-
-constexpr const char* kAllTraceFiles = "*.trc";
-constexpr std::uint16_t kLongListing = 1;
-
-}  // namespace
-
 // The manager appends the separator to the working directory itself.
 void CPelicor::ConnectFtp(transport::CFtpManager& manager) const {
   manager.SetConnectInfo(ftp_info_);
@@ -35,7 +28,7 @@ int CPelicor::FtpGetTraceFileListPID(const char* PID, std::string* msg) {
   return RunMethod(msg, [&] {
     transport::CFtpManager manager;
     ConnectFtp(manager);
-    manager.GetFileList(kLongListing, "*" + Text(PID) + ".trc");
+    manager.GetFileList(kLongListing, TraceFilesOfPid(Text(PID)));
     manager.Close();
   });
 }
