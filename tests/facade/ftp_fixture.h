@@ -44,10 +44,6 @@ class FtpFlowsTest : public FacadeTest {
   void AppendServed(const std::string& name, const std::string& text) const {
     AppendFile(served_ / name, text);
   }
-  // A copy of one of the served traces (traces/ of the server's tree).
-  void ServeCopyOf(const std::string& name) const {
-    fs::copy_file(Servers().Served("traces/" + name), served_ / name);
-  }
   // What the FTP transport writes for a text sent in ASCII mode.
   static std::string AsciiCopy(const std::string& text) {
     std::string copy;
