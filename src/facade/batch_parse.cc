@@ -1,15 +1,17 @@
-// The batch parses of local and file-share traces, and the state they keep between calls.
+// The batch parses, and the state they keep between calls: the parser, and for the FTP and
+// file-share forms the transport that feeds it.
 //
 // States: idle (no batch parser) -> in progress after a call that answered "MORE" -> idle after
 // a call that found nothing more. ParseFileEx always continues a parse in progress and keeps
-// it after a failure; the file-share form drops a running FTP parse first, and drops its own
-// state after a failure, so that the next call starts afresh.
+// it after a failure. The FTP and file-share forms drop the other transport's parse before
+// they start their own, and drop their own state after a failure, so that the next call starts
+// afresh.
 #include <utility>
 
-#include "facade/ftp_session.h"
 #include "facade/method_rules.h"
 #include "facade/pelicor.h"
 #include "parser/trace_parser.h"
+#include "transport/ftp_manager/ftp_manager.h"
 #include "transport/nfs/nfs_manager.h"
 
 namespace facade {
@@ -33,13 +35,30 @@ void CPelicor::DropShareBatch() {
   nfs_stream_.reset();
 }
 
-// The session is released even when closing it fails; the failure is still reported.
-void CPelicor::DropFtpBatch() {
+// The manager is kept only once its data stream is open: closing a data connection that never
+// opened would wait the whole time-out for a reply that does not come.
+void CPelicor::StartFtpBatch(const std::string& file_name) {
+  StartBatchParser();
+  auto manager = std::make_unique<transport::CFtpManager>();
+  CloseOnFailure(*manager, [&] {
+    ConnectFtp(*manager);
+    manager->OpenDataStream(file_name, 0);
+  });
+  ftp_stream_ = std::move(manager);
+}
+
+// The manager is released however closing goes; its destructor ends what is still open.
+void CPelicor::DropFtpBatch(FtpBatchEnd end) {
   batch_parser_.reset();
-  const std::unique_ptr<FtpSession> session = std::move(ftp_stream_);
-  if (!session) return;
-  session->CloseDataStream();
-  session->Close();
+  const std::unique_ptr<transport::CFtpManager> manager = std::move(ftp_stream_);
+  if (!manager) return;
+  if (end == FtpBatchEnd::kFinished) {
+    manager->CloseDataStream();
+    manager->Close();
+    return;
+  }
+  IgnoringFailure([&] { manager->CloseDataStream(); });
+  IgnoringFailure([&] { manager->Close(); });
 }
 
 int CPelicor::ParseFileEx(const char* fileName, std::uint16_t count, std::uint16_t flag,
@@ -61,7 +80,7 @@ int CPelicor::NfsParseFileEx(const char* fileName, std::uint16_t count, std::uin
   return RunMethod(msg, [&] {
     try {
       *outputXML = XmlFileName(file_name);
-      if (ftp_stream_) DropFtpBatch();
+      if (ftp_stream_) DropFtpBatch(FtpBatchEnd::kAbandoned);
       if (!batch_parser_) {
         StartBatchParser();
         nfs_stream_ = MakeShareManager();
@@ -72,6 +91,29 @@ int CPelicor::NfsParseFileEx(const char* fileName, std::uint16_t count, std::uin
       return answer;
     } catch (const exceptions::ExceptionBase&) {
       DropShareBatch();
+      throw;
+    }
+  });
+}
+
+int CPelicor::FtpParseFileEx(const char* fileName, std::uint16_t count, std::uint16_t flag,
+                             std::string* outputXML, std::string* msg) {
+  outputXML->clear();
+  const std::string file_name = Text(fileName);
+  return RunMethod(msg, [&] {
+    try {
+      *outputXML = XmlFileName(file_name);
+      if (nfs_stream_) DropShareBatch();
+      if (!batch_parser_) StartFtpBatch(file_name);
+      // A parser kept by ParseFileEx continues without a stream of its own.
+      const bool more = ftp_stream_ ? batch_parser_->ParseStreamBatch(*ftp_stream_, file_name,
+                                                                      count, BatchFlags(flag))
+                                    : batch_parser_->ParseBatch(file_name, count, BatchFlags(flag));
+      const char* answer = FinishBatchPortion(file_name, more);
+      if (!more) DropFtpBatch(FtpBatchEnd::kFinished);
+      return answer;
+    } catch (const exceptions::ExceptionBase&) {
+      DropFtpBatch(FtpBatchEnd::kAbandoned);
       throw;
     }
   });

@@ -1,5 +1,5 @@
-// The connection data that CPelicor keeps for the FTP and the UTL transports (the file-share
-// record is the transport's own, transport::NfsConnectInfo).
+// The connection data that CPelicor keeps for the UTL transport (the FTP and file-share records
+// are the transports' own, transport::FtpConnectInfo and transport::NfsConnectInfo).
 #ifndef PELICOR_FACADE_CONNECT_INFO_H_
 #define PELICOR_FACADE_CONNECT_INFO_H_
 
@@ -7,16 +7,6 @@
 #include <string>
 
 namespace facade {
-
-// The FTP account, the server's trace directory ("udump") and the working directory for local
-// files, all stored as given.
-struct FtpConnectInfo {
-  std::string host_name;
-  std::string user_name;
-  std::string password;
-  std::string udump;
-  std::string working_dir;
-};
 
 // The Oracle release the host names with its one-number form ("ver" of the UTL methods).
 struct OracleRelease {

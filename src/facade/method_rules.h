@@ -5,6 +5,7 @@
 #ifndef PELICOR_FACADE_METHOD_RULES_H_
 #define PELICOR_FACADE_METHOD_RULES_H_
 
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <type_traits>
@@ -32,6 +33,35 @@ int RunMethod(std::string* msg, Work&& work) {
   } catch (const exceptions::ExceptionBase& failure) {
     *msg = failure.Message();
     return 1;
+  }
+}
+
+// The listing patterns handed to the transports: every trace file, and the trace files of one
+// process id ("*4242.trc"); style 1 asks for the long listing.
+inline constexpr const char* kAllTraceFiles = "*.trc";
+inline constexpr std::uint16_t kLongListing = 1;
+inline std::string TraceFilesOfPid(const std::string& pid) {
+  return "*" + pid + ".trc";
+}
+
+// Runs a clean-up step whose own failure must not replace the failure being reported.
+template <typename Step>
+void IgnoringFailure(Step&& step) {
+  try {
+    step();
+  } catch (const exceptions::ExceptionBase&) {
+  }
+}
+
+// Runs `work`; when it fails, `session` is closed before the failure goes on to become the
+// message (a failed close behind it is not reported).
+template <typename Session, typename Work>
+void CloseOnFailure(Session& session, Work&& work) {
+  try {
+    work();
+  } catch (const exceptions::ExceptionBase&) {
+    IgnoringFailure([&] { session.Close(); });
+    throw;
   }
 }
 

@@ -1,10 +1,10 @@
 #include "facade/pelicor.h"
 
-#include "facade/ftp_session.h"
 #include "facade/method_rules.h"
 #include "parser/sort_options.h"
 #include "parser/trace_parser.h"
 #include "support/os/path_separator.h"
+#include "transport/ftp_manager/ftp_manager.h"
 #include "transport/nfs/nfs_manager.h"
 
 namespace facade {
@@ -26,7 +26,7 @@ std::string CPelicor::SharePath(const std::string& name) const {
 int CPelicor::SetWorkingDir(const char* wDir, std::string* msg) {
   return RunMethod(msg, [&] {
     working_dir_ = Text(wDir);
-    ftp_info_.working_dir = working_dir_;
+    ftp_info_.SetWorkingDir(working_dir_);
     nfs_info_.SetWorkingDir(working_dir_);
   });
 }
@@ -41,10 +41,7 @@ int CPelicor::SetSortOption(std::uint16_t prs, std::uint16_t exe, std::uint16_t 
 int CPelicor::FtpSetConnectInfo(const char* hostname, const char* username, const char* password,
                                 const char* udump, std::string* msg) {
   return RunMethod(msg, [&] {
-    ftp_info_.host_name = Text(hostname);
-    ftp_info_.user_name = Text(username);
-    ftp_info_.password = Text(password);
-    ftp_info_.udump = Text(udump);
+    ftp_info_.SetConnectInfo(Text(hostname), Text(username), Text(password), Text(udump));
   });
 }
 

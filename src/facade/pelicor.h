@@ -25,6 +25,7 @@
 #include <string>
 
 #include "facade/connect_info.h"
+#include "transport/ftp_manager/ftp_connect_info.h"
 #include "transport/nfs/nfs_connect_info.h"
 
 namespace parser {
@@ -32,12 +33,11 @@ class CTraceParser;
 class SortOptions;
 }  // namespace parser
 namespace transport {
+class CFtpManager;
 class CNfsManager;
 }  // namespace transport
 
 namespace facade {
-
-class FtpSession;
 
 // Which transport the last successful validation or start-up used.
 enum TransportKind : std::int32_t { kNoTransport = 0, kFtp = 1, kFileShare = 2, kUtl = 3 };
@@ -79,6 +79,9 @@ class CPelicor {
   // waits, bit 1 binds, bit 2 keeps top-level statements only), writes the call-by-call XML of
   // that portion and answers "MORE" while the trace has more. A failure keeps the parser of
   // ParseFileEx but drops parser and transport of the FTP and file-share forms.
+  // An FTP batch holds its FTP session between calls, and a thread has one FTP session at a
+  // time: until the batch ends or is dropped, every other FTP method on the thread fails with
+  // "FTP failed to initialize!".
   int ParseFileEx(const char* fileName, std::uint16_t count, std::uint16_t flag,
                   std::string* outputXML, std::string* msg);
   int NfsParseFileEx(const char* fileName, std::uint16_t count, std::uint16_t flag,
@@ -132,7 +135,7 @@ class CPelicor {
 
   // --- State, for tests and diagnostics -------------------------------------------------------
   const std::string& WorkingDir() const { return working_dir_; }
-  const FtpConnectInfo& FtpInfo() const { return ftp_info_; }
+  const transport::FtpConnectInfo& FtpInfo() const { return ftp_info_; }
   const transport::NfsConnectInfo& NfsInfo() const { return nfs_info_; }
   const UtlConnectInfo& UtlInfo() const { return utl_info_; }
   const parser::SortOptions* SortOptionsRecord() const { return sort_options_.get(); }
@@ -155,23 +158,29 @@ class CPelicor {
   void ParseWholeTrace(const std::string& file_name, std::uint16_t isAggregated,
                        std::uint16_t xmlType, std::string* outputXML, const ParseStep& parse);
   std::unique_ptr<transport::CNfsManager> MakeShareManager() const;
-  // A session of one call: the stored record, the working directory, logged on.
-  std::unique_ptr<FtpSession> OpenFtpSession() const;
+  // Gives a new manager the stored record and the working directory, and logs it on.
+  void ConnectFtp(transport::CFtpManager& manager) const;
 
   // Batch state.
   void StartBatchParser();
   // Writes the portion just parsed and forgets its statements; "MORE" or "OK".
   const char* FinishBatchPortion(const std::string& file_name, bool more);
+  // A batch parser and a logged-on manager with the data stream of `file_name` open.
+  void StartFtpBatch(const std::string& file_name);
   void DropShareBatch();
-  void DropFtpBatch();
+  // Closes the data stream and the session of an FTP batch, then releases both with the
+  // parser. A finished batch reports a failed close; an abandoned one does not (a server
+  // answers 426 to a transfer cut short).
+  enum class FtpBatchEnd { kFinished, kAbandoned };
+  void DropFtpBatch(FtpBatchEnd end);
   // ZantivGetTraceInfo's reading of the session's trace file over FTP and UTL.
   void ParseSessionTraceOverFtp(parser::CTraceParser& parser);
   void ParseSessionTraceOverUtl(parser::CTraceParser& parser);
 
-  FtpConnectInfo ftp_info_;
+  transport::FtpConnectInfo ftp_info_;
   transport::NfsConnectInfo nfs_info_;
   UtlConnectInfo utl_info_;
-  std::unique_ptr<FtpSession> ftp_stream_;              // during an FTP batch parse
+  std::unique_ptr<transport::CFtpManager> ftp_stream_;  // during an FTP batch parse
   std::unique_ptr<transport::CNfsManager> nfs_stream_;  // during a file-share batch parse
   std::unique_ptr<parser::SortOptions> sort_options_;   // null until SetSortOption
   std::unique_ptr<parser::CTraceParser> batch_parser_;  // during any batch parse

@@ -7,17 +7,6 @@
 
 namespace facade {
 
-namespace {
-
-constexpr const char* kAllTraceFiles = "*.trc";
-constexpr std::uint16_t kLongListing = 1;
-
-std::string TraceFilesOfPid(const std::string& pid) {
-  return "*" + pid + ".trc";
-}
-
-}  // namespace
-
 std::unique_ptr<transport::CNfsManager> CPelicor::MakeShareManager() const {
   auto manager = std::make_unique<transport::CNfsManager>();
   manager->Init(nfs_info_);

@@ -102,7 +102,7 @@ TEST_F(BatchParseTest, FtpParseFileExDropsARunningShareParse) {
   AddTrace(udump());
   ASSERT_EQ(service_.NfsParseFileEx(kTrace, 1, 0, &out_, &msg_), 0);
   EXPECT_EQ(service_.FtpParseFileEx(kTrace, 1, 0, &out_, &msg_), 1);
-  EXPECT_EQ(msg_, "FTP transport is not available in this build");
+  EXPECT_EQ(msg_, "hostname/username/password/udump, one of them is empty!");
   EXPECT_EQ(out_, kXml);
   EXPECT_EQ(service_.BatchParser(), nullptr);
   EXPECT_FALSE(service_.HasShareStream());

@@ -70,9 +70,9 @@ TEST_F(ParseFileTest, NfsParseFileReadsTheShareInPlace) {
   EXPECT_FALSE(fs::exists(work() / kTrace));  // nothing copied
 }
 
-TEST_F(ParseFileTest, FtpParseFileNamesTheXmlThenNeedsTheTransport) {
+TEST_F(ParseFileTest, FtpParseFileNamesTheXmlBeforeConnecting) {
   EXPECT_EQ(service_.FtpParseFile(kTrace, 0, 0, 0, &out_, &msg_), 1);
-  EXPECT_EQ(msg_, "FTP transport is not available in this build");
+  EXPECT_EQ(msg_, "hostname/username/password/udump, one of them is empty!");
   EXPECT_EQ(out_, kXml);
   EXPECT_EQ(service_.FtpParseFile("a.log", 0, 0, 0, &out_, &msg_), 1);
   EXPECT_EQ(msg_, "Filename does not contain '.trc' !");

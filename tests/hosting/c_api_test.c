@@ -100,13 +100,53 @@ static void failures_and_checks(pelicor* p) {
          "UTL transport is not available in this build");
   pelicor_free(out);
   EXPECT(pelicor_FtpGetTraceFileList(p, 0, &msg), 1,
-         "FTP transport is not available in this build");
+         "hostname/username/password/udump, one of them is empty!");
   EXPECT(pelicor_ZantivGetTraceInfo(p, "select", "9.2.0.4.0", &msg), 1,
          "UTL transport is not available in this build");
   EXPECT(pelicor_SetSortOption(p, 1, 0, 1, 1, &msg), 0, "OK");
   EXPECT(pelicor_SetWorkingDir(NULL, "/tmp", &msg), 1, "pelicor: the object is NULL");
   pelicor_free(NULL);
   pelicor_delete(NULL);
+}
+
+/* The first line of DIR/NAME, without its line end, into out. */
+static int read_first_line(const char* dir, const char* name, char* out, int size) {
+  char path[600];
+  FILE* file;
+  int ok;
+  snprintf(path, sizeof path, "%s/%s", dir, name);
+  file = fopen(path, "r");
+  if (file == NULL) return 0;
+  ok = fgets(out, size, file) != NULL;
+  fclose(file);
+  out[strcspn(out, "\r\n")] = '\0';
+  return ok;
+}
+
+/* The trace file of a process, found and copied over FTP from proftpd of the test fixture
+ * (PELICOR_FTP_STATE names its state folder); skipped when the run has no servers. */
+static void ftp_lookup(const char* root) {
+  const char* state = getenv("PELICOR_FTP_STATE");
+  char user[64], password[64], port[16], host[64], work[512], copy[600];
+  char* fname = NULL;
+  pelicor* p;
+  if (state == NULL || !read_first_line(state, "user", user, sizeof user) ||
+      !read_first_line(state, "password", password, sizeof password) ||
+      !read_first_line(state, "proftpd.port", port, sizeof port)) {
+    printf("no FTP servers: FTP calls skipped\n");
+    return;
+  }
+  snprintf(host, sizeof host, "127.0.0.1:%s", port);
+  snprintf(work, sizeof work, "%s/work", root);
+  p = pelicor_new();
+  EXPECT(pelicor_SetWorkingDir(p, work, &msg), 0, "OK");
+  EXPECT(pelicor_FtpSetConnectInfo(p, host, user, password, "/lookup", &msg), 0, "OK");
+  EXPECT(pelicor_FtpGetTraceFilePID(p, "4711", 1, &fname, &msg), 0, "OK");
+  CHECK(fname != NULL && strcmp(fname, "4711_ora.trc") == 0);
+  pelicor_free(fname);
+  snprintf(copy, sizeof copy, "%s/4711_ora.trc", work);
+  CHECK(file_exists(copy));
+  pelicor_delete(p);
 }
 
 static int remove_entry(const char* path, const struct stat* st, int flag, struct FTW* ftw) {
@@ -133,6 +173,7 @@ int main(int argc, char** argv) {
   share_and_parse(p, root);
   failures_and_checks(p);
   pelicor_delete(p);
+  ftp_lookup(root);
 
   nftw(root, remove_entry, 16, FTW_DEPTH | FTW_PHYS);
   if (failures) fprintf(stderr, "%d failure(s)\n", failures);
