@@ -9,6 +9,7 @@
 
 #include "cli/output.h"
 #include "cli/scratch_dir.h"
+#include "cli/trace_jobs.h"
 #include "support/os/file_copy.h"
 #include "support/os/path_separator.h"
 #include "transport/nfs/nfs_manager.h"
@@ -16,6 +17,11 @@
 namespace cli {
 
 namespace {
+
+// The path of a trace file on the share: the dump directory, a separator, the name.
+std::string SharePath(const std::string& udump, const std::string& name) {
+  return udump + os::kPathSeparator + name;
+}
 
 struct ShareListArgs {
   std::string udump;
@@ -48,7 +54,7 @@ void RunFind(const ShareFileArgs& args) {
 }
 
 void RunGet(const ShareFileArgs& args) {
-  const std::string source = args.udump + os::kPathSeparator + args.name;
+  const std::string source = SharePath(args.udump, args.name);
   const std::string target = (std::filesystem::path(args.directory) / args.name).string();
   std::string error;
   if (!os::CopyFileOverwrite(source, target, &error)) {
@@ -89,6 +95,32 @@ void AddGet(CLI::App& share) {
   get->callback([args] { RunGet(*args); });
 }
 
+template <typename Job>
+struct ShareJobArgs {
+  std::string udump;
+  std::string name;
+  Job job;
+};
+
+void AddParseCommands(CLI::App& share) {
+  auto report = std::make_shared<ShareJobArgs<ReportJob>>();
+  CLI::App* report_command = share.add_subcommand(
+      "report", "TKPROF-style text report of a trace file on the share, on standard output");
+  report_command->add_option("UDUMP", report->udump, "The dump directory")->required();
+  report_command->add_option("NAME", report->name, "The trace file's name")->required();
+  AddReportOptions(*report_command, report->job);
+  report_command->callback(
+      [report] { RunReport(SharePath(report->udump, report->name), report->job); });
+
+  auto xml = std::make_shared<ShareJobArgs<XmlJob>>();
+  CLI::App* xml_command =
+      share.add_subcommand("xml", "XML document of a trace file on the share, read in place");
+  xml_command->add_option("UDUMP", xml->udump, "The dump directory")->required();
+  xml_command->add_option("NAME", xml->name, "The trace file's name")->required();
+  AddXmlOptions(*xml_command, xml->job);
+  xml_command->callback([xml] { RunXml(SharePath(xml->udump, xml->name), xml->job); });
+}
+
 }  // namespace
 
 void AddShareCommands(CLI::App& app) {
@@ -98,6 +130,7 @@ void AddShareCommands(CLI::App& app) {
   AddList(*share);
   AddFind(*share);
   AddGet(*share);
+  AddParseCommands(*share);
 }
 
 }  // namespace cli

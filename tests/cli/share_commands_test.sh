@@ -49,6 +49,11 @@ check "get a missing file names it" "pelicor: cannot copy $udump/missing.trc to 
 
 msg=$("$pelicor" share list "$work/nowhere" 2>&1)
 check "list a missing directory" "pelicor: No such file or directory" "$msg"
+cp "$(dirname "$0")/../../examples/sample_9i.trc" "$udump/"
+check "report in place equals the local report" "$("$pelicor" report "$udump/sample_9i.trc" --sort exe)" \
+  "$("$pelicor" share report "$udump" sample_9i.trc --sort exe)"
+check "xml in place equals the local document" "$("$pelicor" xml --aggregate "$udump/sample_9i.trc")" \
+  "$("$pelicor" share xml "$udump" sample_9i.trc --aggregate)"
 "$pelicor" share list --help | grep -q -- '--pattern'
 check "help names the options" "0" "$?"
 
