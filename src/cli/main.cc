@@ -4,10 +4,13 @@
 
 #include <exception>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 
 #include "cli/ftp_commands.h"
 #include "cli/local_commands.h"
 #include "cli/share_commands.h"
+#include "support/activity_log.h"
 #include "support/exceptions.h"
 
 namespace {
@@ -19,15 +22,35 @@ int Fail(const std::string& message) {
   return 1;
 }
 
+// Switches the activity log on as soon as the option is read, before any subcommand runs.
+void AddActivityLogOption(CLI::App& app) {
+  app.add_option_function<std::string>(
+         "--activity-log",
+         [](const std::string& path) {
+           std::string error;
+           if (!support::ActivityLog::Enable(path, &error)) throw std::runtime_error(error);
+         },
+         "Record every failure, with its source and time, in the XML file FILE")
+      ->option_text("FILE")
+      ->trigger_on_parse();
+}
+
+// Ends the log's document however the command ends.
+struct ActivityLogCloser {
+  ~ActivityLogCloser() { support::ActivityLog::Disable(); }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
   CLI::App app("Oracle SQL trace files to TKPROF-style reports and XML documents", "pelicor");
   app.set_version_flag("--version", kVersion);
   app.require_subcommand(1);
+  AddActivityLogOption(app);
   cli::AddLocalCommands(app);
   cli::AddShareCommands(app);
   cli::AddFtpCommands(app);
+  const ActivityLogCloser log_closer;
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
