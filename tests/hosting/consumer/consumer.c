@@ -11,7 +11,8 @@ int main(void) {
   if (p == NULL) return 1;
   result = pelicor_NfsValidation(p, NULL, "1", &msg);
   printf("%d %s\n", result, msg);
-  result = result == 1 && strcmp(msg, "udump can not be empty or NULL! Check registry setting.") == 0;
+  result =
+      result == 1 && strcmp(msg, "udump can not be empty or NULL! Check registry setting.") == 0;
   pelicor_free(msg);
   pelicor_delete(p);
   return result ? 0 : 1;
