@@ -46,16 +46,6 @@ TEST(LineKind, FirstCharacterAndFixedPositionsDecide) {
   }
 }
 
-TEST(LineKind, StateTurnsKindsOff) {
-  parser::DispatchState state;
-  state.session_timestamp_taken = true;
-  state.skip_binds = true;
-  state.skip_waits = true;
-  EXPECT_EQ(parser::ClassifyLine("*** SESSION ID:(9.1) x\n", state), LineKind::kIgnored);
-  EXPECT_EQ(parser::ClassifyLine("BINDS #2:\n", state), LineKind::kIgnored);
-  EXPECT_EQ(parser::ClassifyLine("WAIT #2: nam='x'\n", state), LineKind::kIgnored);
-}
-
 TEST(LineText, SizeLimitLines) {
   EXPECT_TRUE(parser::IsSizeLimitLine("*** DUMP FILE SIZE IS LIMITED TO 5242880 BYTES ***\n"));
   EXPECT_TRUE(parser::IsSizeLimitLine("select '***' from file_list\n"));

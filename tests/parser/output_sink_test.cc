@@ -38,12 +38,6 @@ TEST(OutputSink, FileGetsLineEndsTranslatedAcrossBufferRefills) {
   EXPECT_EQ(writer_test::ReadFile(path), expected);
 }
 
-TEST(OutputSink, FileThatCannotBeCreatedIsReported) {
-  writer_test::ScratchDir dir;
-  OutputSink out;
-  EXPECT_FALSE(out.OpenFile(dir.File("missing/out.xml")));
-}
-
 TEST(OutputSink, StreamGetsNumbersEscapesAndCdata) {
   std::ostringstream stream;
   {

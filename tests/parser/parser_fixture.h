@@ -3,6 +3,7 @@
 #ifndef PELICOR_TESTS_PARSER_PARSER_FIXTURE_H_
 #define PELICOR_TESTS_PARSER_PARSER_FIXTURE_H_
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,6 +50,14 @@ inline std::vector<std::int64_t> Sequences(const parser::StatementList& list) {
   std::vector<std::int64_t> sequences;
   for (const auto& statement : list) sequences.push_back(statement->sequence);
   return sequences;
+}
+
+// A parser that has read `text` from a file.
+inline std::unique_ptr<parser::CTraceParser> ParseText(const std::string& text) {
+  const TempFile file(text);
+  auto trace = std::make_unique<parser::CTraceParser>();
+  trace->Parse(file.path(), 0);
+  return trace;
 }
 
 // "=====" + PARSING IN CURSOR line + the SQL text + END OF STMT, with len matching the text.
