@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
-#include <sstream>
+#include <regex>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "ftp_test_servers.h"
-#include "parser/trace_parser.h"
 #include "support/exceptions.h"
 #include "transport/ftp_manager/ftp_manager.h"
 
@@ -66,35 +65,6 @@ class FtpManagerTest : public ::testing::Test {
   TempDir work_;
 };
 
-// The parser's stream form through the manager gives the documents of the local file.
-TEST_F(FtpManagerTest, StreamedTraceParsesLikeTheLocalFile) {
-  const std::string name = "repeated_9i.trc";
-  TempDir local_out;
-  parser::CTraceParser local;
-  local.SetOutputDirectory(local_out.File(""));
-  local.Parse(FtpServers::Get()->Served("traces/" + name).string(), 0);
-  local.CreateXML(name);
-  std::ostringstream local_report;
-  local.WriteTextReport(local_report);
-
-  for (const auto& [server, passive] :
-       {std::pair{"proftpd", false}, std::pair{"pyftpdlib", true}}) {
-    SCOPED_TRACE(server);
-    TempDir out;
-    parser::CTraceParser streamed;
-    streamed.SetOutputDirectory(out.File(""));
-    auto manager = Connect(server, "traces", passive);
-    streamed.ParseStream(*manager, name, 0);
-    manager->Close();
-    streamed.CreateXML(name);
-    std::ostringstream report;
-    streamed.WriteTextReport(report);
-    EXPECT_EQ(ReadWholeFile(out.File("repeated_9i.xml")),
-              ReadWholeFile(local_out.File("repeated_9i.xml")));
-    EXPECT_EQ(report.str(), local_report.str());
-  }
-}
-
 TEST_F(FtpManagerTest, StreamStartsAtTheOffsetOrReadsUpToIt) {
   const std::string trace = Served("traces/sample_9i.trc");
   for (const char* server : {"proftpd", "pyftpdlib"}) {
@@ -118,15 +88,11 @@ TEST_F(FtpManagerTest, StreamStartsAtTheOffsetOrReadsUpToIt) {
   EXPECT_EQ(manager->GetFileSize("numbered.trc"), 11000u);  // as announced for the open stream
   EXPECT_EQ(ReadAllLines(*manager).size(), 1000u - 457u);
   manager->CloseDataStream();
-  std::istringstream transcript(FtpServers::Get()->Transcript("rest_refused"));
-  std::string commands;
-  for (std::string line; std::getline(transcript, line);) {
-    commands += line.rfind("PORT ", 0) == 0 ? "PORT" : line;
-    commands += ", ";
-  }
-  EXPECT_EQ(commands,
-            "USER pelicor, PASS trace-fetch, CWD udump, TYPE I, PORT, REST 5010, PORT, "
-            "RETR numbered.trc, ");
+  const std::string transcript = FtpServers::Get()->Transcript("rest_refused");
+  EXPECT_TRUE(std::regex_match(transcript, std::regex("USER pelicor\nPASS trace-fetch\nCWD udump\n"
+                                                      "TYPE I\nPORT .*\nREST 5010\nPORT .*\n"
+                                                      "RETR numbered.trc\n")))
+      << transcript;
 }
 
 TEST_F(FtpManagerTest, LastLineWithoutLineFeedIsNeverHandedOut) {
