@@ -12,8 +12,8 @@ namespace {
 
 using parser::DocumentContext;
 using parser::StatementList;
+using pelicor_test::ScratchDir;
 using writer_test::ReadXml;
-using writer_test::ScratchDir;
 
 constexpr const char* kFirstTkprof = R"xml(<STATEMENT>
 <SQL><![CDATA[select * from emp where a < :1 and b = '&x' ]]]]><![CDATA[> c
@@ -153,12 +153,12 @@ TEST(AggregatedXmlWriter, DocumentsAndReportAccumulateGrandTotals) {
 
   parser::WriteTkprofXml(closed, context, dir.File("ora_1.trc"), &divisor);
   EXPECT_EQ(divisor, 100);
-  EXPECT_EQ(ReadXml(dir.path / "ora_1.xml"),
+  EXPECT_EQ(ReadXml(dir.path() / "ora_1.xml"),
             std::string("<STATEMENTS>\n") + kFirstTkprof + ZeroStatement("select 1 from dual\n") +
                 ZeroStatement("selec x\n") + kWideTkprof + "</STATEMENTS>\n");
 
   parser::WriteSortedXml(closed, context, dir.File("ora_1.trc"), &divisor);
-  EXPECT_EQ(ReadXml(dir.path / "ora_1.xml"), kSorted);
+  EXPECT_EQ(ReadXml(dir.path() / "ora_1.xml"), kSorted);
 
   closed.erase(std::next(closed.begin()), std::prev(closed.end()));
   const parser::SortOptions options(false, true, true, 2);
@@ -186,7 +186,7 @@ TEST(AggregatedXmlWriter, MicrosecondTracesFromRelease9) {
   std::int64_t divisor = 100;
   parser::WriteTkprofXml(closed, context, dir.File("a.trc"), &divisor);
   EXPECT_EQ(divisor, 1000000);
-  const std::string document = ReadXml(dir.path / "a.xml");
+  const std::string document = ReadXml(dir.path() / "a.xml");
   EXPECT_NE(document.find("<WAITDATA name=\"I/O\" elapsed=\"2.50\"></WAITDATA>"),
             std::string::npos);
 }
@@ -238,10 +238,10 @@ TEST(AggregatedXmlWriter, FailuresCarryTheirMethodAndMessage) {
       EXPECT_EQ(e.Message(), f.message);
     }
     // The match failures come after the whole document has been written.
-    const bool written = std::filesystem::exists(dir.path / "t.xml");
+    const bool written = std::filesystem::exists(dir.path() / "t.xml");
     EXPECT_EQ(written, f.leaves_document) << f.message;
     if (written) {
-      const std::string document = ReadXml(dir.path / "t.xml");
+      const std::string document = ReadXml(dir.path() / "t.xml");
       EXPECT_EQ(document.substr(document.size() - 14), "</STATEMENTS>\n");
     }
   }

@@ -10,7 +10,7 @@ namespace {
 
 using parser::DocumentContext;
 using parser::StatementList;
-using writer_test::ScratchDir;
+using pelicor_test::ScratchDir;
 
 constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
@@ -74,14 +74,14 @@ DocumentContext Context(const ScratchDir& dir) {
   DocumentContext context;
   context.session_timestamp = "2004-05-07 11:26:57.634\n";
   context.first_cursor_time = 1000;
-  context.output_directory = dir.path.string() + "/";
+  context.output_directory = dir.path().string() + "/";
   return context;
 }
 
 std::string WriteAndRead(const StatementList& closed, const DocumentContext& context,
                          const ScratchDir& dir) {
   parser::WriteCallXml(closed, context, "ora_1234.trc");
-  return writer_test::ReadXml(dir.path / "ora_1234.xml");
+  return writer_test::ReadXml(dir.path() / "ora_1234.xml");
 }
 
 TEST(CallXmlWriter, WritesEveryCallOfEveryStatement) {

@@ -13,7 +13,7 @@ using parser::LineEnds;
 using parser::OutputSink;
 
 TEST(OutputSink, FileGetsLineEndsTranslatedAcrossBufferRefills) {
-  writer_test::ScratchDir dir;
+  pelicor_test::ScratchDir dir;
   const std::string path = dir.File("out.xml");
   { std::ofstream(path) << std::string(5000000, 'z'); }  // replaced, not appended to
   std::string written;
@@ -35,7 +35,7 @@ TEST(OutputSink, FileGetsLineEndsTranslatedAcrossBufferRefills) {
     expected += "-42";
     EXPECT_TRUE(out.Close());
   }
-  EXPECT_EQ(writer_test::ReadFile(path), expected);
+  EXPECT_EQ(pelicor_test::ReadWholeFile(path), expected);
 }
 
 TEST(OutputSink, StreamGetsNumbersEscapesAndCdata) {

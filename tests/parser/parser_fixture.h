@@ -8,9 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "../support/scratch.h"
 #include "parser/line_source.h"
 #include "parser/trace_parser.h"
-#include "temp_file.h"
+
+using pelicor_test::TempFile;
 
 // A trace line source over lines held in memory, recording how it was driven.
 class StringLineSource : public parser::LineSource {

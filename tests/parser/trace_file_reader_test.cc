@@ -9,9 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "temp_file.h"
+#include "../support/scratch.h"
 
 namespace {
+
+using pelicor_test::TempFile;
 
 struct Piece {
   std::string text;

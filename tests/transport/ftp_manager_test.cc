@@ -18,7 +18,7 @@ namespace {
 
 using pelicor_test::FtpServers;
 using pelicor_test::ReadWholeFile;
-using pelicor_test::TempDir;
+using pelicor_test::ScratchDir;
 
 // The four texts of an exception, as one line for whole-value comparisons.
 std::string Texts(const exceptions::ExceptionBase& e) {
@@ -62,7 +62,7 @@ class FtpManagerTest : public ::testing::Test {
     return ReadWholeFile(FtpServers::Get()->Served(path));
   }
 
-  TempDir work_;
+  ScratchDir work_;
 };
 
 TEST_F(FtpManagerTest, StreamStartsAtTheOffsetOrReadsUpToIt) {

@@ -18,7 +18,7 @@ namespace {
 
 using pelicor_test::FtpServers;
 using pelicor_test::ReadWholeFile;
-using pelicor_test::TempDir;
+using pelicor_test::ScratchDir;
 
 struct Mode {
   const char* server;
@@ -70,7 +70,7 @@ class FtpServerTest : public ::testing::TestWithParam<Mode> {
   bool IsProftpd() const { return std::string(GetParam().server) == "proftpd"; }
 
   const FtpServers* servers_ = nullptr;
-  TempDir dir_;
+  ScratchDir dir_;
 };
 
 TEST_P(FtpServerTest, NavigatesAndRefusesWhatIsNotThere) {
