@@ -4,14 +4,15 @@
 
 #include <sstream>
 
+#include "../support/raised.h"
 #include "parser/text_report.h"
-#include "support/exceptions.h"
 #include "writer_fixtures.h"
 
 namespace {
 
 using parser::DocumentContext;
 using parser::StatementList;
+using pelicor_test::Raised;
 using pelicor_test::ScratchDir;
 using writer_test::ReadXml;
 
@@ -224,19 +225,9 @@ TEST(AggregatedXmlWriter, FailuresCarryTheirMethodAndMessage) {
     if (!f.empty_list) closed = writer_test::SampleStatements();
     DocumentContext context;
     context.statement_id = f.statement_id;
-    try {
-      if (f.sorted) {
-        parser::WriteSortedXml(closed, context, dir.File(f.file_name));
-      } else {
-        parser::WriteTkprofXml(closed, context, dir.File(f.file_name));
-      }
-      ADD_FAILURE() << f.message << ": no exception";
-    } catch (const exceptions::ExceptionBase& e) {
-      EXPECT_EQ(e.File(), "TraceParser");
-      EXPECT_EQ(e.ClassName(), "CTraceParser::CreateXML");
-      EXPECT_EQ(e.Method(), f.method) << f.message;
-      EXPECT_EQ(e.Message(), f.message);
-    }
+    const auto write = f.sorted ? parser::WriteSortedXml : parser::WriteTkprofXml;
+    EXPECT_EQ(Raised([&] { write(closed, context, dir.File(f.file_name), nullptr); }),
+              "TraceParser|CTraceParser::CreateXML|" + std::string(f.method) + "|" + f.message);
     // The match failures come after the whole document has been written.
     const bool written = std::filesystem::exists(dir.path() / "t.xml");
     EXPECT_EQ(written, f.leaves_document) << f.message;

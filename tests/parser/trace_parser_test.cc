@@ -5,14 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "../support/raised.h"
 #include "parser_fixture.h"
-#include "support/exceptions.h"
 
 namespace {
+
+using pelicor_test::Raised;
 
 using Texts = std::vector<std::string>;
 
@@ -184,32 +185,23 @@ TEST(CTraceParser, StreamFormsReadTheirSource) {
   EXPECT_EQ(batch.closes, 0);
 }
 
-void ExpectRaise(const std::function<void()>& call, const char* method, const char* message) {
-  try {
-    call();
-    ADD_FAILURE() << "no exception for " << message;
-  } catch (const exceptions::ExceptionBase& e) {
-    EXPECT_EQ(e.File(), "TraceParser");
-    EXPECT_EQ(e.ClassName(), "CTraceParser::Parse");
-    EXPECT_EQ(e.Method(), method);
-    EXPECT_EQ(e.Message(), message);
-  }
-}
+constexpr const char* kRaisedBy = "TraceParser|CTraceParser::Parse|";
 
 TEST(CTraceParser, RaisesTheExactMessages) {
   parser::CTraceParser trace;
   for (const std::string& name :
        {std::string("/nonexistent/x.trc"), std::filesystem::temp_directory_path().string()}) {
-    ExpectRaise([&] { trace.Parse(name, 0); }, "fopen", "Trace parser failed to open parse file!");
+    EXPECT_EQ(Raised([&] { trace.Parse(name, 0); }),
+              kRaisedBy + std::string("fopen|Trace parser failed to open parse file!"));
   }
-  ExpectRaise([&] { trace.ParseBatch("/nonexistent/x.trc", 1, 0); }, "fopen",
-              "Trace parser failed to open parse file.");
+  EXPECT_EQ(Raised([&] { trace.ParseBatch("/nonexistent/x.trc", 1, 0); }),
+            kRaisedBy + std::string("fopen|Trace parser failed to open parse file."));
   const TempFile file("x\n");
-  ExpectRaise([&] { trace.Parse(file.path(), ~std::uint64_t{0}); }, "fopen",
-              "Trace parser failed to move file cursor to offset!");
+  EXPECT_EQ(Raised([&] { trace.Parse(file.path(), ~std::uint64_t{0}); }),
+            kRaisedBy + std::string("fopen|Trace parser failed to move file cursor to offset!"));
   StringLineSource refusing({}, false);
-  ExpectRaise([&] { trace.ParseStream(refusing, "x.trc", 0); }, "OpenLines",
-              "Trace parser failed to open parse file!");
+  EXPECT_EQ(Raised([&] { trace.ParseStream(refusing, "x.trc", 0); }),
+            kRaisedBy + std::string("OpenLines|Trace parser failed to open parse file!"));
 }
 
 TEST(CTraceParser, SizeLimitLineEndsTheParseKeepingWhatWasFiled) {
@@ -218,8 +210,8 @@ TEST(CTraceParser, SizeLimitLineEndsTheParseKeepingWhatWasFiled) {
                       "*** DUMP FILE SIZE IS LIMITED TO 5242880 BYTES ***\n" +
                       CursorBlock(2, "select 2 from dual"));
   parser::CTraceParser trace;
-  ExpectRaise([&] { trace.ParseBatch(file.path(), 0, 0); }, "Parse",
-              "Trace file has reached max_dump_file_size!");
+  EXPECT_EQ(Raised([&] { trace.ParseBatch(file.path(), 0, 0); }),
+            kRaisedBy + std::string("Parse|Trace file has reached max_dump_file_size!"));
   EXPECT_EQ(SqlTexts(trace.OpenStatements()), (Texts{"select 1 from dual\n"}));
   // The file stays open: the next batch goes on behind the line that raised.
   EXPECT_FALSE(trace.ParseBatch(file.path(), 5, 0));

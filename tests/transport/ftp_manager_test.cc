@@ -9,31 +9,17 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/raised.h"
 #include "ftp_test_servers.h"
-#include "support/exceptions.h"
 #include "transport/ftp_manager/ftp_manager.h"
 
 namespace transport {
 namespace {
 
 using pelicor_test::FtpServers;
+using pelicor_test::Raised;
 using pelicor_test::ReadWholeFile;
 using pelicor_test::ScratchDir;
-
-// The four texts of an exception, as one line for whole-value comparisons.
-std::string Texts(const exceptions::ExceptionBase& e) {
-  return e.File() + " | " + e.ClassName() + " | " + e.Method() + " | " + e.Message();
-}
-
-template <typename Work>
-std::string RaisedBy(Work work) {
-  try {
-    work();
-  } catch (const exceptions::ExceptionBase& e) {
-    return Texts(e);
-  }
-  return "nothing raised";
-}
 
 class FtpManagerTest : public ::testing::Test {
  protected:
@@ -106,8 +92,8 @@ TEST_F(FtpManagerTest, LastLineWithoutLineFeedIsNeverHandedOut) {
 TEST_F(FtpManagerTest, BrokenDataConnectionFailsTheRead) {
   auto manager = Connect("data_drop", "udump");
   manager->OpenDataStream("ora_1.trc", 0);
-  EXPECT_EQ(RaisedBy([&] { ReadAllLines(*manager); }),
-            "FtpManager | CFtpManager::ReadLine | FtpRecvThroughDataConnection | FTP failed to "
+  EXPECT_EQ(Raised([&] { ReadAllLines(*manager); }),
+            "FtpManager|CFtpManager::ReadLine|FtpRecvThroughDataConnection|FTP failed to "
             "read the data stream of ora_1.trc from " +
                 FtpServers::Get()->Address("data_drop") + ": Connection on data-port failed");
 }
@@ -115,16 +101,16 @@ TEST_F(FtpManagerTest, BrokenDataConnectionFailsTheRead) {
 // "name size", or the texts of the exception the lookup raised.
 std::string Lookup(CFtpManager& manager, const std::string& session) {
   std::string name;
-  std::string raised = RaisedBy([&] {
+  std::string raised = Raised([&] {
     const std::uint32_t size = manager.GetTraceFileNameFromPID(session, &name);
     name += " " + std::to_string(size);
   });
-  return raised == "nothing raised" ? name : raised;
+  return raised.empty() ? name : raised;
 }
 
 // proftpd expands SESSION*.trc in lookup/ (see scripts/ftp/servers.sh for the files).
 TEST_F(FtpManagerTest, FindsTheTraceFileOfASession) {
-  const std::string failure = "FtpManager | FtpManger | GetFileList | FTP ";
+  const std::string failure = "FtpManager|FtpManger|GetFileList|FTP ";
   const std::pair<const char*, std::string> cases[] = {
       {"4711", "4711_ora.trc 4711"},
       {"55", "55_ora_00055.trc 5555"},  // of three candidates, with its own size
@@ -159,7 +145,7 @@ TEST_F(FtpManagerTest, RefusesListedNamesThatLeaveTheWorkDirectory) {
     SCOPED_TRACE(listed);
     auto manager = Connect("hostile_listing", "udump");
     EXPECT_EQ(Lookup(*manager, session),
-              "FtpManager | FtpManger | GetFileList | FTP refused the trace file name " +
+              "FtpManager|FtpManger|GetFileList|FTP refused the trace file name " +
                   std::string(listed) + " from the server! A file name must not hold a path.");
   }
   // Nothing but the listing was written.
@@ -170,7 +156,7 @@ TEST_F(FtpManagerTest, RefusesListedNamesThatLeaveTheWorkDirectory) {
   EXPECT_EQ(written, std::vector<std::string>{"FtpTraceFileListPID.txt"});
   auto manager = Connect("normal", "udump");  // lists ora_1234.trc and ora_1234_extra.trc
   EXPECT_EQ(Lookup(*manager, "999"),
-            "FtpManager | FtpManger | GetFileList | FTP did not find a trace file for the "
+            "FtpManager|FtpManger|GetFileList|FTP did not find a trace file for the "
             "session!");
 }
 
@@ -185,15 +171,15 @@ TEST_F(FtpManagerTest, InitNamesWhatIsWrong) {
   } cases[] = {
       // Nothing listens on port 1: a connect would fail with the log-on message.
       {"127.0.0.1:1", password, "",
-       "FtpManger | Init | hostname/username/password/udump, one of "
+       "FtpManger|Init|hostname/username/password/udump, one of "
        "them is empty!",
        false},
       {host, "wrong", "udump",
-       "FtpManger | Init | FTP failed to logon with the given info! "
+       "FtpManger|Init|FTP failed to logon with the given info! "
        "Check ftp hostname/username/password.",
        false},
       {host, password, "no-such-dir",
-       "FtpManger | Init | FTP failed to change to trace "
+       "FtpManger|Init|FTP failed to change to trace "
        "directory! Check FTP qualified trace path.",
        true},
   };
@@ -201,16 +187,16 @@ TEST_F(FtpManagerTest, InitNamesWhatIsWrong) {
     SCOPED_TRACE(c.expected);
     CFtpManager manager;
     manager.SetConnectInfo(c.host.c_str(), user.c_str(), c.password.c_str(), c.udump.c_str());
-    EXPECT_EQ(RaisedBy([&] { manager.Init(); }), "FtpManager | " + c.expected);
+    EXPECT_EQ(Raised([&] { manager.Init(); }), "FtpManager|" + c.expected);
     EXPECT_EQ(manager.IsLoggedOn(), c.logged_on);
     EXPECT_FALSE(manager.IsInitialised());
   }
   CFtpManager manager;
-  EXPECT_EQ(RaisedBy([&] { manager.SetConnectInfo("h", "u", nullptr, "d"); }),
-            "FtpManager | CFtpManager | SetConnectInfo | Invalid FTP connection information!");
+  EXPECT_EQ(Raised([&] { manager.SetConnectInfo("h", "u", nullptr, "d"); }),
+            "FtpManager|CFtpManager|SetConnectInfo|Invalid FTP connection information!");
   // The thread's FTP session belongs to `manager`.
-  EXPECT_EQ(RaisedBy([] { CFtpManager second; }),
-            "FtpManager | CFtpManager::Init | FtpInit | FTP failed to initialize!");
+  EXPECT_EQ(Raised([] { CFtpManager second; }),
+            "FtpManager|CFtpManager::Init|FtpInit|FTP failed to initialize!");
 }
 
 TEST_F(FtpManagerTest, ListsAndCopiesIntoTheWorkDirectory) {
@@ -229,18 +215,18 @@ TEST_F(FtpManagerTest, ListsAndCopiesIntoTheWorkDirectory) {
   EXPECT_EQ(ReadWholeFile(work_.File("sample_9i.trc")),
             Served("traces/sample_9i.trc").substr(4000));
   EXPECT_EQ(manager->GetFileSize("repeated_9i.trc"), 300u * 4729u);
-  EXPECT_EQ(RaisedBy([&] { manager->RetrieveFile("missing.trc"); }),
-            "FtpManager | CFtpManager::RetrieveFile | FtpOpenDataConnection | FTP failed to "
+  EXPECT_EQ(Raised([&] { manager->RetrieveFile("missing.trc"); }),
+            "FtpManager|CFtpManager::RetrieveFile|FtpOpenDataConnection|FTP failed to "
             "retrieve file.");
   manager->SetWorkDir(work_.File("no-such-dir"));
-  EXPECT_EQ(RaisedBy([&] { manager->RetrieveFile("sample_9i.trc", 'I', 0); }),
-            "FtpManager | NfsManger::GetTraceFileList | _lcreat | No such file or directory");
+  EXPECT_EQ(Raised([&] { manager->RetrieveFile("sample_9i.trc", 'I', 0); }),
+            "FtpManager|NfsManger::GetTraceFileList|_lcreat|No such file or directory");
   manager->Close();
   manager.reset();  // the thread's one FTP session
 
   auto other = Connect("pyftpdlib", "traces");  // no patterns, no sizes
-  EXPECT_EQ(RaisedBy([&] { other->GetFileList(0, "*.trc"); }),
-            "FtpManager | FtpManger | GetFileList | FTP failed to get remote file listing!");
+  EXPECT_EQ(Raised([&] { other->GetFileList(0, "*.trc"); }),
+            "FtpManager|FtpManger|GetFileList|FTP failed to get remote file listing!");
   other->OpenDataStream("sample_9i.trc", 0);
   EXPECT_EQ(other->GetFileSize("sample_9i.trc"), 0u);
   EXPECT_EQ(ReadAllLines(*other).size(), 86u);
