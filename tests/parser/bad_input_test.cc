@@ -118,16 +118,6 @@ TEST(BadInput, DamagedTracesParseQuietly) {
   }
 }
 
-TEST(BadInput, NulByteEndsTheLine) {
-  const TempFile file(CursorBlock(1, "select 1 from dual") +
-                      std::string("EXEC #1:c=5,e=7\0,p=3,cr=4\n", 26));
-  parser::CTraceParser trace;
-  trace.Parse(file.path(), 0);
-  const parser::ExecCallRecord& exec = trace.ClosedStatements().front()->exec_calls.at(0);
-  EXPECT_EQ(exec.e, 7);
-  EXPECT_EQ(exec.p, -1);
-}
-
 TEST(BadInput, LongLinesArriveInPiecesAndSqlTextStaysWhole) {
   const std::string sql = "select " + std::string(3000, 'x') + " from dual";
   const TempFile file(CursorBlock(1, sql) + "WAIT #1: nam='" + std::string(2000, 'n') +

@@ -63,8 +63,6 @@ TEST(FieldScannerVsSscanf, CallLines) {
 const char* const kCursorLines[] = {
     "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1083929217636210 hv=2918884618 "
     "ad='6b5a2c34'\n",
-    "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1083929217636210 hv=2918884618 "
-    "ad='6b5a2c34'",
     "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1 hv=2 ad=''\n",
     "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1 hv=2 ad='\n",
     "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1 hv=2 ad='a b'\n",

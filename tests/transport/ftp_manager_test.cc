@@ -1,9 +1,10 @@
 // CFtpManager against proftpd and pyftpdlib on 127.0.0.1, and against the fault server where
 // a server has to misbehave: log-on, listings, copies, data streams and the session lookup.
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <regex>
+#include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -126,15 +127,11 @@ TEST_F(FtpManagerTest, FindsTheTraceFileOfASession) {
   }
   auto manager = Connect("proftpd", "lookup");
   EXPECT_EQ(Lookup(*manager, "55"), "55_ora_00055.trc 5555");
-  // In the server's order, which need not be the names' order.
-  std::string listing = ReadWholeFile(work_.File("FtpTraceFileListPID.txt"));
-  std::vector<std::string> names;
-  for (std::size_t end; (end = listing.find("\r\n")) != std::string::npos;) {
-    names.push_back(listing.substr(0, end));
-    listing.erase(0, end + 2);
-  }
-  std::sort(names.begin(), names.end());
-  EXPECT_EQ(names, (std::vector<std::string>{"551_ora.trc", "55_ora.trc", "55_ora_00055.trc"}));
+  // In the server's order, which need not be the names' order; each line ends in CR LF.
+  std::istringstream listing(ReadWholeFile(work_.File("FtpTraceFileListPID.txt")));
+  std::set<std::string> names;
+  for (std::string line; std::getline(listing, line);) names.insert(line);
+  EXPECT_EQ(names, (std::set<std::string>{"551_ora.trc\r", "55_ora.trc\r", "55_ora_00055.trc\r"}));
 }
 
 TEST_F(FtpManagerTest, RefusesListedNamesThatLeaveTheWorkDirectory) {
@@ -166,28 +163,22 @@ TEST_F(FtpManagerTest, InitNamesWhatIsWrong) {
   const std::string user = servers->User();
   const std::string password = servers->Password();
   struct Case {
-    std::string host, password, udump, expected;
+    std::string host, password, udump, message;
     bool logged_on;
   } cases[] = {
       // Nothing listens on port 1: a connect would fail with the log-on message.
-      {"127.0.0.1:1", password, "",
-       "FtpManger|Init|hostname/username/password/udump, one of "
-       "them is empty!",
+      {"127.0.0.1:1", password, "", "hostname/username/password/udump, one of them is empty!",
        false},
       {host, "wrong", "udump",
-       "FtpManger|Init|FTP failed to logon with the given info! "
-       "Check ftp hostname/username/password.",
-       false},
+       "FTP failed to logon with the given info! Check ftp hostname/username/password.", false},
       {host, password, "no-such-dir",
-       "FtpManger|Init|FTP failed to change to trace "
-       "directory! Check FTP qualified trace path.",
-       true},
+       "FTP failed to change to trace directory! Check FTP qualified trace path.", true},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.expected);
+    SCOPED_TRACE(c.message);
     CFtpManager manager;
     manager.SetConnectInfo(c.host.c_str(), user.c_str(), c.password.c_str(), c.udump.c_str());
-    EXPECT_EQ(Raised([&] { manager.Init(); }), "FtpManager|" + c.expected);
+    EXPECT_EQ(Raised([&] { manager.Init(); }), "FtpManager|FtpManger|Init|" + c.message);
     EXPECT_EQ(manager.IsLoggedOn(), c.logged_on);
     EXPECT_FALSE(manager.IsInitialised());
   }
