@@ -168,21 +168,6 @@ TEST(AggregatedXmlWriter, DocumentsAndReportAccumulateGrandTotals) {
   EXPECT_EQ(empty_report.str(), ReportHead() + "Sort options: \n");
 }
 
-TEST(AggregatedXmlWriter, MicrosecondTracesFromRelease9) {
-  ScratchDir dir;
-  StatementList closed;
-  closed.push_back(writer_test::StatementWithTotals("select 1 from dual", 1, 2, 3));
-  closed.back()->waits.push_back(parser::WaitRecord{1, "db file scattered read", 2500000});
-  DocumentContext context;
-  context.oracle_major_version = 10;
-  std::int64_t divisor = 100;
-  parser::WriteTkprofXml(closed, context, dir.File("a.trc"), &divisor);
-  EXPECT_EQ(divisor, 1000000);
-  const std::string document = ReadXml(dir.path() / "a.xml");
-  EXPECT_NE(document.find("<WAITDATA name=\"I/O\" elapsed=\"2.50\"></WAITDATA>"),
-            std::string::npos);
-}
-
 TEST(AggregatedXmlWriter, FailuresCarryTheirMethodAndMessage) {
   const std::string check = " Please check if the trace file has reached max_dump_file_size.";
   const std::string no_info = "Trace parser did not find the parsed trace info!";

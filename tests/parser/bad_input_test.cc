@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <random>
 #include <string>
 
 #include "parser/trace_parser.h"
@@ -130,19 +129,6 @@ TEST(BadInput, LongLinesArriveInPiecesAndSqlTextStaysWhole) {
   ASSERT_EQ(statement.waits.size(), 1u);
   EXPECT_EQ(statement.waits[0].nam, "");
   EXPECT_EQ(statement.waits[0].ela, 0);
-}
-
-TEST(BadInput, BinaryGarbage) {
-  std::mt19937_64 random(42);
-  std::string garbage(1 << 20, '\0');
-  for (char& c : garbage) c = static_cast<char>(random() % 256);
-  // Sprinkle line starts that reach the scanners.
-  for (std::size_t at = 0; at + 40 < garbage.size(); at += 997) {
-    garbage.replace(at, 10, random() % 2 ? "\nBINDS #0:" : "\nWAIT #00:");
-  }
-  const TempFile file(garbage);
-  parser::CTraceParser trace;
-  EXPECT_NO_THROW(trace.Parse(file.path(), 0));
 }
 
 }  // namespace
