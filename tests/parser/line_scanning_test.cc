@@ -1,4 +1,4 @@
-// Line kinds, the free-text fields (STAT op, WAIT name, bind values) and the plan tables.
+// Line kinds, the size-limit line and the free-text fields (WAIT name, bind value).
 #include <gtest/gtest.h>
 
 #include <string>
