@@ -5,19 +5,7 @@
 set -u
 pelicor=$1
 state=${PELICOR_FTP_STATE:?run through ctest: the fixture ftp_servers sets PELICOR_FTP_STATE}
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-passed=0
-failed=0
-
-check() {  # check NAME EXPECTED ACTUAL
-  if [ "$2" == "$3" ]; then
-    passed=$((passed + 1))
-  else
-    failed=$((failed + 1))
-    printf 'FAIL %s\n--- expected\n%s\n--- actual\n%s\n' "$1" "$2" "$3"
-  fi
-}
+. "$(dirname "$0")/check.sh"
 
 host=127.0.0.1:$(cat "$state/proftpd.port")
 served=$state/root
@@ -34,11 +22,9 @@ check "long listing to a file, LF line ends" "1 4729 sample_9i.trc" \
 
 check "find one of three by the padded pid" "55_ora_00055.trc 5555" \
   "$("$pelicor" ftp find 55 $(at lookup) 2>&1)"
-check "find two without the padded pid" \
-  "pelicor: FTP did not find a marched trace file for the session!" \
-  "$("$pelicor" ftp find 12 $(at lookup) 2>&1)"
-"$pelicor" ftp find 12 $(at lookup) >/dev/null 2>&1
-check "a failure exits 1" "1" "$?"
+check "find two without the padded pid, exit 1" \
+  "pelicor: FTP did not find a marched trace file for the session! 1" \
+  "$("$pelicor" ftp find 12 $(at lookup) 2>&1) $?"
 
 mkdir "$work/out"
 "$pelicor" ftp get repeated_9i.trc $(at traces) -o "$work/out"
@@ -78,5 +64,4 @@ check "a missing trace directory" \
 "$pelicor" ftp list --help | grep -q -- '--password TEXT.*discouraged'
 check "help discourages --password" "0" "$?"
 
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+finish

@@ -3,19 +3,7 @@
 # Usage: share_commands_test.sh PELICOR
 set -u
 pelicor=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-passed=0
-failed=0
-
-check() {  # check NAME EXPECTED ACTUAL
-  if [ "$2" == "$3" ]; then
-    passed=$((passed + 1))
-  else
-    failed=$((failed + 1))
-    printf 'FAIL %s\n--- expected\n%s\n--- actual\n%s\n' "$1" "$2" "$3"
-  fi
-}
+. "$(dirname "$0")/check.sh"
 
 udump=$work/udump
 mkdir "$udump"
@@ -44,11 +32,11 @@ check "find nothing exits 1" "1" "$?"
 mkdir "$work/out"
 "$pelicor" share get "$udump" orcl_ora_1234.trc -o "$work/out"
 check "get copies the bytes" "abcdefgh" "$(cat "$work/out/orcl_ora_1234.trc")"
-msg=$("$pelicor" share get "$udump" missing.trc -o "$work/out" 2>&1)
-check "get a missing file names it" "pelicor: cannot copy $udump/missing.trc to $work/out/missing.trc: No such file or directory" "$msg"
-
-msg=$("$pelicor" share list "$work/nowhere" 2>&1)
-check "list a missing directory" "pelicor: No such file or directory" "$msg"
+check "get a missing file names it" \
+  "pelicor: cannot copy $udump/missing.trc to $work/out/missing.trc: No such file or directory" \
+  "$("$pelicor" share get "$udump" missing.trc -o "$work/out" 2>&1)"
+check "list a missing directory" "pelicor: No such file or directory" \
+  "$("$pelicor" share list "$work/nowhere" 2>&1)"
 cp "$(dirname "$0")/../../examples/sample_9i.trc" "$udump/"
 check "report in place equals the local report" "$("$pelicor" report "$udump/sample_9i.trc" --sort exe)" \
   "$("$pelicor" share report "$udump" sample_9i.trc --sort exe)"
@@ -57,5 +45,4 @@ check "xml in place equals the local document" "$("$pelicor" xml --aggregate "$u
 "$pelicor" share list --help | grep -q -- '--pattern'
 check "help names the options" "0" "$?"
 
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+finish

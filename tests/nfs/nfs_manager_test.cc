@@ -6,27 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "../support/raised.h"
 #include "scratch_dir.h"
-#include "support/exceptions.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using nfs_test::ScratchDir;
+using pelicor_test::Raised;
 
 constexpr std::uint64_t kGiB = 1024ull * 1024 * 1024;
 constexpr const char* kListing = "NfsTraceFileList.txt";
-
-// The four texts of a raised exception, "file|class|method|message"; "" when nothing was raised.
-template <typename Call>
-std::string Raised(Call&& call) {
-  try {
-    call();
-  } catch (const exceptions::ExceptionBase& e) {
-    return e.File() + "|" + e.ClassName() + "|" + e.Method() + "|" + e.Message();
-  }
-  return "";
-}
 
 class NfsListing : public ::testing::Test {
  protected:

@@ -1,4 +1,5 @@
-// Real directories for the file-share tests, and the POSIX calls they need (POSIX hosts only).
+// Real directories and files for the file-share tests, and the POSIX calls they need (POSIX
+// hosts only).
 #ifndef PELICOR_TESTS_NFS_SCRATCH_DIR_H_
 #define PELICOR_TESTS_NFS_SCRATCH_DIR_H_
 
@@ -13,9 +14,10 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
+
+#include "../support/scratch.h"
 
 namespace nfs_test {
 
@@ -27,31 +29,14 @@ inline void SetModificationTime(const fs::path& path, std::time_t mtime) {
   if (utimes(path.c_str(), times) != 0) throw std::runtime_error("utimes " + path.string());
 }
 
-// A fresh directory under the temporary directory, open to every user, removed with its contents.
-class ScratchDir {
- public:
-  ScratchDir() : path_((fs::temp_directory_path() / "pelicor_nfs_XXXXXX").string()) {
-    std::string name = path_.string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp " + name);
-    path_ = name;
-    fs::permissions(path_, fs::perms::all);
-  }
-  ~ScratchDir() {
-    std::error_code ignored;  // the tests lock only the top directory
-    fs::permissions(path_, fs::perms::owner_all, ignored);
-    fs::remove_all(path_, ignored);
-  }
-  const fs::path& path() const { return path_; }
-  std::string str() const { return path_.string(); }
-  // A sparse file of `size` bytes, last modified at `mtime`.
+// A scratch directory that also makes sparse trace files.
+struct ScratchDir : pelicor_test::ScratchDir {
+  // A file of `size` bytes, last modified at `mtime`.
   void AddFile(const std::string& name, std::uint64_t size, std::time_t mtime = kJuly4) const {
-    std::ofstream(path_ / name).close();
-    fs::resize_file(path_ / name, size);
-    SetModificationTime(path_ / name, mtime);
+    std::ofstream(path() / name).close();
+    fs::resize_file(path() / name, size);
+    SetModificationTime(path() / name, mtime);
   }
-
- private:
-  fs::path path_;
 };
 
 inline void SetTimeZone(const char* tz) {  // "UTC0", "EST5"
@@ -72,11 +57,7 @@ inline bool RunUnprivileged(const std::function<bool()>& check) {
          WEXITSTATUS(status) == 0;
 }
 
-inline std::string ReadWholeFile(const fs::path& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
+using pelicor_test::ReadWholeFile;
 
 }  // namespace nfs_test
 

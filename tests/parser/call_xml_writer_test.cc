@@ -2,15 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/raised.h"
 #include "parser/xml_paths.h"
-#include "support/exceptions.h"
 #include "writer_fixtures.h"
 
 namespace {
 
 using parser::DocumentContext;
 using parser::StatementList;
-using writer_test::ScratchDir;
+using pelicor_test::Raised;
+using pelicor_test::ScratchDir;
 
 constexpr const char* kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>";
 
@@ -74,14 +75,14 @@ DocumentContext Context(const ScratchDir& dir) {
   DocumentContext context;
   context.session_timestamp = "2004-05-07 11:26:57.634\n";
   context.first_cursor_time = 1000;
-  context.output_directory = dir.path.string() + "/";
+  context.output_directory = dir.path().string() + "/";
   return context;
 }
 
 std::string WriteAndRead(const StatementList& closed, const DocumentContext& context,
                          const ScratchDir& dir) {
   parser::WriteCallXml(closed, context, "ora_1234.trc");
-  return writer_test::ReadXml(dir.path / "ora_1234.xml");
+  return writer_test::ReadXml(dir.path() / "ora_1234.xml");
 }
 
 TEST(CallXmlWriter, WritesEveryCallOfEveryStatement) {
@@ -120,15 +121,11 @@ TEST(CallXmlWriter, FailsWithTheCreateMessage) {
   ScratchDir dir;
   DocumentContext context = Context(dir);
   context.output_directory = dir.File("missing") + "/";
-  try {
-    parser::WriteCallXml(writer_test::SampleStatements(), context, "ora_1234.trc");
-    FAIL() << "no exception";
-  } catch (const exceptions::ExceptionBase& e) {
-    EXPECT_EQ(e.File(), "TraceParser");
-    EXPECT_EQ(e.ClassName(), "CTraceParser::CreateXML");
-    EXPECT_EQ(e.Method(), "CreateXML");
-    EXPECT_EQ(e.Message(), "Trace parser failed to create output XML file!");
-  }
+  EXPECT_EQ(Raised([&] {
+              parser::WriteCallXml(writer_test::SampleStatements(), context, "ora_1234.trc");
+            }),
+            "TraceParser|CTraceParser::CreateXML|CreateXML|Trace parser failed to create output "
+            "XML file!");
 }
 
 TEST(XmlPaths, FirstDotForCallXmlLastDotForAggregated) {

@@ -1,4 +1,4 @@
-// Line kinds, the free-text fields (STAT op, WAIT name, bind values) and the plan tables.
+// Line kinds, the size-limit line and the free-text fields (WAIT name, bind value).
 #include <gtest/gtest.h>
 
 #include <string>
@@ -44,16 +44,6 @@ TEST(LineKind, FirstCharacterAndFixedPositionsDecide) {
   for (const Case& test : cases) {
     EXPECT_EQ(parser::ClassifyLine(test.line, {}), test.kind) << test.line;
   }
-}
-
-TEST(LineKind, StateTurnsKindsOff) {
-  parser::DispatchState state;
-  state.session_timestamp_taken = true;
-  state.skip_binds = true;
-  state.skip_waits = true;
-  EXPECT_EQ(parser::ClassifyLine("*** SESSION ID:(9.1) x\n", state), LineKind::kIgnored);
-  EXPECT_EQ(parser::ClassifyLine("BINDS #2:\n", state), LineKind::kIgnored);
-  EXPECT_EQ(parser::ClassifyLine("WAIT #2: nam='x'\n", state), LineKind::kIgnored);
 }
 
 TEST(LineText, SizeLimitLines) {

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "parser/line_kind.h"
 #include "parser/record_scanners.h"
 #include "parser/recursive_calls.h"
-#include "parser/stat_row_timing.h"
 #include "parser/trace_parser.h"
 #include "parser_fixture.h"
 
@@ -15,6 +15,8 @@ namespace {
 
 using parser::LineKind;
 
+// The release documents hold the common forms (CLOSE, XCTEND, ERROR, LOBREAD lines); these
+// are the banners and look-alikes around them.
 TEST(NewerForms, KindsAmongTheLinesTheOlderDispatcherIgnores) {
   const struct {
     const char* line;
@@ -30,11 +32,6 @@ TEST(NewerForms, KindsAmongTheLinesTheOlderDispatcherIgnores) {
       {"Version 19.14.2.0.0\n", LineKind::kVersion, true},
       {"Version:        #2 SMP Sat Jul 16 13:06:22 PDT 2022\n", LineKind::kIgnored, false},
       {"CLOSE #140641987987624:c=3,e=3,dep=0,type=1,tim=5793511831927\n", LineKind::kClose, true},
-      {"XCTEND rlbk=0, rd_only=1, tim=5793511831940\n", LineKind::kXctend, true},
-      {"=====================\n", LineKind::kIgnored, true},
-      {"ERROR #139637903883184:err=27403 tim=3034700188655\n", LineKind::kIgnored, true},
-      {"LOBREAD: type=PERSISTENT LOB,bytes=225,c=256,e=255,p=1,cr=1,cu=0,tim=1\n",
-       LineKind::kIgnored, true},
       {"*** 2022-10-25T15:07:20.941104+02:00 (OPRD21(11))\n", LineKind::kIgnored, false},
       {"  value=\"jari\"\n", LineKind::kIgnored, false},
       {"kkscoacd\n", LineKind::kIgnored, false},
@@ -69,11 +66,10 @@ TEST(NewerForms, WaitParametersByPositionWhateverTheirNames) {
   for (const auto& test : cases) {
     parser::WaitRecord wait;
     wait.p1 = wait.p2 = wait.p3 = wait.tim = -9;
-    EXPECT_EQ(parser::ScanNamedWaitFields(test.rest, &wait), test.own_time) << test.rest;
-    EXPECT_EQ(wait.p1, test.p1) << test.rest;
-    EXPECT_EQ(wait.p2, test.p2) << test.rest;
-    EXPECT_EQ(wait.p3, test.p3) << test.rest;
-    EXPECT_EQ(wait.tim, test.tim) << test.rest;
+    const bool own_time = parser::ScanNamedWaitFields(test.rest, &wait);
+    EXPECT_EQ(std::make_tuple(own_time, wait.p1, wait.p2, wait.p3, wait.tim),
+              std::make_tuple(test.own_time, test.p1, test.p2, test.p3, test.tim))
+        << test.rest;
   }
 }
 
@@ -87,19 +83,14 @@ TEST(NewerForms, BindLinesInTheirOrderOrField) {
   parser::ScanBindTypeLine("  oacdty=01 mxl=32(24) mal=00 scl=00 pre=00\n", &by_name);
   parser::ScanBindFlagsLine("  oacflg=03 fl2=1000010 siz=160 off=128\n", &by_name);
   parser::ScanBindAddressLine("  kxsbbbfp=7fae3bd03058  flg=01  bln=32  avl=06\n", &by_name);
-  for (const parser::BindRecord* bind : {&in_order, &by_name}) {
-    EXPECT_EQ(bind->dty, 1);
-    EXPECT_EQ(bind->mxl, 32);
-    EXPECT_EQ(bind->pl, 24);
-    EXPECT_EQ(bind->oacflg, 3);
-    EXPECT_EQ(bind->oacfl2, 1000010);
-    EXPECT_EQ(bind->size, 160);
-    EXPECT_EQ(bind->offset, 128);
-    EXPECT_EQ(bind->bfp, "7fae3bd03058");
-    EXPECT_EQ(bind->bln, 32);
-    EXPECT_EQ(bind->avl, 6);
-    EXPECT_EQ(bind->flg, 1);
-  }
+  const auto fields = [](const parser::BindRecord& b) {
+    return std::make_tuple(b.dty, b.mxl, b.pl, b.oacflg, b.oacfl2, b.size, b.offset, b.bfp, b.bln,
+                           b.avl, b.flg);
+  };
+  const auto expected =
+      std::make_tuple(1, 32, 24, 3, 1000010, 160, 128, std::string("7fae3bd03058"), 32, 6, 1);
+  EXPECT_EQ(fields(in_order), expected);
+  EXPECT_EQ(fields(by_name), expected);
   const struct {
     const char* line;
     const char* value;
@@ -123,27 +114,6 @@ TEST(NewerForms, BindLinesInTheirOrderOrField) {
   EXPECT_FALSE(parser::ContinueBindValue("three\"\n", &lines));
   EXPECT_EQ(lines.value, "one\ntwo\nthree");
   EXPECT_EQ(parser::ClassifyNewerBindLine("  value= Bind#1\n"), parser::NewerBindLine::kPosition);
-}
-
-TEST(NewerForms, StatFiguresFromPhysicalReadsAndWrites) {
-  const struct {
-    const char* op;
-    std::int64_t cr, r, w;
-    const char* time;
-  } cases[] = {
-      {"INDEX RANGE SCAN X (cr=5 pr=1 pw=2 str=1 time=439 us cost=4 size=246 card=6)", 5, 1, 2,
-       "439 us"},
-      {"SORT AGGREGATE (cr=7 pr=5 pw=0 time=1341 us)", 7, 5, 0, "1341 us"},
-      {"FOR UPDATE  (cr=4 pr=0 pw=3 str=1 time=248us)", 4, 0, 3, "248us"},
-  };
-  for (const auto& test : cases) {
-    const parser::StatRowTiming timing = parser::ReadStatRowTiming(test.op);
-    EXPECT_TRUE(timing.present) << test.op;
-    EXPECT_EQ(timing.cr, test.cr) << test.op;
-    EXPECT_EQ(timing.r, test.r) << test.op;
-    EXPECT_EQ(timing.w, test.w) << test.op;
-    EXPECT_EQ(timing.time, test.time) << test.op;
-  }
 }
 
 parser::CallRecord Call(std::int32_t dep, std::int64_t e, std::int32_t cr) {
@@ -179,46 +149,14 @@ TEST(RecursiveCalls, EachCallLosesTheFiguresOfTheCallsItMade) {
   EXPECT_EQ(calls.OwnFigures(Call(2147483647, 9, 0)).e, 9);
 }
 
-std::unique_ptr<parser::CTraceParser> ParseLines(const std::string& text) {
-  const TempFile file(text);
-  auto trace = std::make_unique<parser::CTraceParser>();
-  trace->Parse(file.path(), 0);
-  return trace;
-}
-
-TEST(NewerForms, TheBannerOrTheLineFormsTellTheRelease) {
-  const struct {
-    const char* first_line;
-    bool newer;
-    std::int64_t divisor;
-    int major;
-  } cases[] = {
-      {"Oracle Database 11g Enterprise Edition Release 11.1.0.6.0 - 64bit Production\n", true,
-       1000000, 11},
-      {"Version 19.14.2.0.0\n", true, 1000000, 19},
-      {"\n", true, 1000000, parser::CTraceParser::kNewerFormsVersion},  // no banner: the forms
-      {"Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n", false, 1000000, 9},
-      {"Oracle10g Release 10.1.0.2.0\n", false, 100, 10},  // the one-character test stays
-  };
-  for (const auto& test : cases) {
-    const auto trace =
-        ParseLines(std::string(test.first_line) +
-                   "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=5793511830834\n");
-    EXPECT_EQ(trace->NewerForms(), test.newer) << test.first_line;
-    EXPECT_EQ(trace->TimeDivisor(), test.divisor) << test.first_line;
-    EXPECT_EQ(trace->BannerMajorVersion(), test.major) << test.first_line;
-  }
-}
-
 TEST(NewerForms, CloseKeepsTheStatementAndTimesMoveOn) {
-  const auto trace =
-      ParseLines(CursorBlock(1, "select 1 from dual", 100) +
-                 "EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=1000\n"
-                 "CLOSE #1:c=0,e=3,dep=0,type=1,tim=2000\n"
-                 "WAIT #1: nam='x' ela= 7 p1=0 p2=0 p3=0\n"
-                 "EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=3000\n"
-                 "XCTEND rlbk=0, rd_only=1, tim=4000\n"
-                 "WAIT #1: nam='y' ela= 10 p1=0 p2=0 p3=0\n");
+  const auto trace = ParseText(CursorBlock(1, "select 1 from dual", 100) +
+                               "EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=1000\n"
+                               "CLOSE #1:c=0,e=3,dep=0,type=1,tim=2000\n"
+                               "WAIT #1: nam='x' ela= 7 p1=0 p2=0 p3=0\n"
+                               "EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=3000\n"
+                               "XCTEND rlbk=0, rd_only=1, tim=4000\n"
+                               "WAIT #1: nam='y' ela= 10 p1=0 p2=0 p3=0\n");
   ASSERT_EQ(trace->ClosedStatements().size(), 1u);
   const parser::TraceStatement& statement = *trace->ClosedStatements().front();
   ASSERT_EQ(statement.exec_calls.size(), 2u);  // the cursor was cached, not closed

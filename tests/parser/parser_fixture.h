@@ -3,13 +3,16 @@
 #ifndef PELICOR_TESTS_PARSER_PARSER_FIXTURE_H_
 #define PELICOR_TESTS_PARSER_PARSER_FIXTURE_H_
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "../support/scratch.h"
 #include "parser/line_source.h"
 #include "parser/trace_parser.h"
-#include "temp_file.h"
+
+using pelicor_test::TempFile;
 
 // A trace line source over lines held in memory, recording how it was driven.
 class StringLineSource : public parser::LineSource {
@@ -49,6 +52,14 @@ inline std::vector<std::int64_t> Sequences(const parser::StatementList& list) {
   std::vector<std::int64_t> sequences;
   for (const auto& statement : list) sequences.push_back(statement->sequence);
   return sequences;
+}
+
+// A parser that has read `text` from a file.
+inline std::unique_ptr<parser::CTraceParser> ParseText(const std::string& text) {
+  const TempFile file(text);
+  auto trace = std::make_unique<parser::CTraceParser>();
+  trace->Parse(file.path(), 0);
+  return trace;
 }
 
 // "=====" + PARSING IN CURSOR line + the SQL text + END OF STMT, with len matching the text.

@@ -35,17 +35,4 @@ TEST(PlanTables, SplitsOpTextsByTableOrder) {
   }
 }
 
-TEST(PlanTables, NamesByCodeWithEmptyTerminators) {
-  EXPECT_EQ(parser::OperationName(0), "TABLE ACCESS");
-  EXPECT_EQ(parser::OperationName(61), "PX SEND");
-  EXPECT_EQ(parser::OperationName(62), "");
-  EXPECT_EQ(parser::OperationName(-1), "");
-  EXPECT_EQ(parser::OptionName(0), "FULL SCAN (MIN/MAX)");
-  EXPECT_EQ(parser::OptionName(60), "GROUP BY NOSORT");
-  EXPECT_EQ(parser::OptionName(68), "QC (RANDOM), HASH, RANGE");
-  EXPECT_EQ(parser::OptionName(69), "");
-  EXPECT_EQ(parser::OptionName(70), "");
-  EXPECT_EQ(parser::OptionName(71), "");
-}
-
 }  // namespace

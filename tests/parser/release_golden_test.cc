@@ -29,19 +29,19 @@ void Compare(const std::string& actual, const std::string& golden_name) {
     std::ofstream(golden, std::ios::binary) << actual;
     return;
   }
-  EXPECT_EQ(actual, writer_test::ReadFile(golden)) << golden;
+  EXPECT_EQ(actual, pelicor_test::ReadWholeFile(golden)) << golden;
 }
 
 void CheckDocuments(const Fixture& fixture) {
   SCOPED_TRACE(fixture.name);
-  const writer_test::ScratchDir dir;
+  const pelicor_test::ScratchDir dir;
   const std::string base = fixture.name;
   const std::string trace = dir.File(base + ".trc");
   fs::copy_file(fs::path(PELICOR_TEST_DATA) / (base + ".trc"), trace);
 
   const parser::SortOptions options(true, true, true, 2);
   parser::CTraceParser parser(&options, true);
-  parser.SetOutputDirectory(dir.path.string());
+  parser.SetOutputDirectory(dir.path().string());
   parser.SetStatementId(fixture.statement_id);
   parser.Parse(trace, 0);
   parser.SortClosedStatements();

@@ -24,11 +24,11 @@ TEST(SharedTraces, EveryTraceGivesWellFormedDocuments) {
   for (const auto& entry : fs::directory_iterator(SharedTraces())) {
     if (entry.path().extension() != ".trc") continue;
     SCOPED_TRACE(entry.path().filename().string());
-    const writer_test::ScratchDir dir;
+    const pelicor_test::ScratchDir dir;
     const std::string trace = dir.File(entry.path().filename().string());
     fs::copy_file(entry.path(), trace);
     parser::CTraceParser parser;
-    parser.SetOutputDirectory(dir.path.string());
+    parser.SetOutputDirectory(dir.path().string());
     try {
       parser.Parse(trace, 0);
     } catch (const std::exception& e) {

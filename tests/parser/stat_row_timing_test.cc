@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <tuple>
+
 namespace {
 
 TEST(StatRowTiming, ReadsTheRowSourceFigures) {
@@ -19,14 +22,16 @@ TEST(StatRowTiming, ReadsTheRowSourceFigures) {
       {"INDEX (cr=4 w=2 time=9)", true, 4, 0, 0, "9"},  // "r=" found inside "cr="
       {"TABLE ACCESS FULL EMP", false, 0, 0, 0, ""},
       {"X (cr=1 r=2 w=3)", false, 0, 0, 0, ""},
+      // From 10g on: physical reads and writes, and more figures behind the time.
+      {"INDEX RANGE SCAN X (cr=5 pr=1 pw=2 str=1 time=439 us cost=4 size=246 card=6)", true, 5, 1,
+       2, "439 us"},
+      {"FOR UPDATE  (cr=4 pr=0 pw=3 str=1 time=248us)", true, 4, 0, 3, "248us"},
   };
   for (const auto& c : cases) {
     const parser::StatRowTiming timing = parser::ReadStatRowTiming(c.op);
-    EXPECT_EQ(timing.present, c.present) << c.op;
-    EXPECT_EQ(timing.cr, c.cr) << c.op;
-    EXPECT_EQ(timing.r, c.r) << c.op;
-    EXPECT_EQ(timing.w, c.w) << c.op;
-    EXPECT_EQ(timing.time, c.time) << c.op;
+    EXPECT_EQ(std::make_tuple(timing.present, timing.cr, timing.r, timing.w, timing.time),
+              std::make_tuple(c.present, c.cr, c.r, c.w, std::string(c.time)))
+        << c.op;
   }
 }
 

@@ -9,9 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "temp_file.h"
+#include "../support/scratch.h"
 
 namespace {
+
+using pelicor_test::TempFile;
 
 struct Piece {
   std::string text;
@@ -47,18 +49,21 @@ std::string Repeat(char c, std::size_t n) {
   return std::string(n, c);
 }
 
-TEST(TraceFileReader, PiecesMatchFgets) {
+TEST(TraceFileReader, PiecesMatchFgetsWhateverTheBlockSize) {
+  std::string generated;
+  for (std::size_t n = 0; generated.size() < 300000; n = (n * 7 + 13) % 2600) {
+    generated += Repeat(static_cast<char>('a' + n % 26), n) + "\n";
+  }
   const std::string texts[] = {
       "",
-      "\n",
-      "one line\n",
-      "no newline at the end",
       "a\nb\n\nc",
       Repeat('x', 1022) + "\n",
       Repeat('x', 1023) + "\n",
       Repeat('x', 1023),
       Repeat('x', 1024) + "\n" + Repeat('y', 3000),
       Repeat('z', 2046) + "\nend\n",
+      std::string("nul\0inside\n\0\0a\nb\n", 17),  // a piece ends at its first NUL
+      generated,
   };
   for (const std::string& text : texts) {
     const TempFile file(text);
@@ -67,19 +72,10 @@ TEST(TraceFileReader, PiecesMatchFgets) {
     ASSERT_NE(reader, nullptr);
     EXPECT_EQ(WithReader(*reader), expected) << text.substr(0, 40);
     // Small blocks put line ends and piece ends across block borders.
-    EXPECT_EQ(WithReader(text, 1), expected) << text.substr(0, 40);
+    for (const std::size_t block_size : {std::size_t{1}, std::size_t{4096}, std::size_t{5000}}) {
+      EXPECT_EQ(WithReader(text, block_size), expected) << block_size << text.substr(0, 40);
+    }
   }
-}
-
-TEST(TraceFileReader, GeneratedTextMatchesFgetsAcrossBlockBorders) {
-  std::string text;
-  for (std::size_t n = 0; text.size() < 300000; n = (n * 7 + 13) % 2600) {
-    text += Repeat(static_cast<char>('a' + n % 26), n) + "\n";
-  }
-  const TempFile file(text);
-  const std::vector<Piece> expected = WithFgets(file.path());
-  EXPECT_EQ(WithReader(text, 4096), expected);
-  EXPECT_EQ(WithReader(text, 5000), expected);
 }
 
 TEST(TraceFileReader, DropsACarriageReturnBeforeTheNewlineOnly) {
@@ -93,12 +89,6 @@ TEST(TraceFileReader, DropsACarriageReturnBeforeTheNewlineOnly) {
   EXPECT_EQ(WithReader(Repeat('x', 1023) + "\r\n", 1 << 20), split);
 }
 
-TEST(TraceFileReader, PiecesEndAtTheirFirstNulByte) {
-  const std::vector<Piece> expected = {{"nul", false}, {"", false}, {"b\n", false}};
-  EXPECT_EQ(WithReader(std::string("nul\0inside\n\0\0a\nb\n", 17), 1), expected);
-  EXPECT_EQ(WithReader(std::string("nul\0inside\n\0\0a\nb\n", 17), 1 << 20), expected);
-}
-
 TEST(TraceFileReader, TellsWhichPiecesMayHoldThreeAsterisks) {
   const std::string text = "a\nSQL*Net\n***\nb\n****\n**\n*" + std::string(1021, 'x') + "***\n";
   for (const std::size_t block_size : {std::size_t{1}, std::size_t{1} << 20}) {
@@ -109,22 +99,6 @@ TEST(TraceFileReader, TellsWhichPiecesMayHoldThreeAsterisks) {
     // A "***" that only begins in a piece marks it too: the full test then says no.
     EXPECT_EQ(flags, (std::vector<bool>{false, false, true, false, true, false, true, false}));
   }
-}
-
-TEST(TraceFileReader, SeeksToAByteOffset) {
-  const TempFile file("first\nsecond\nthird\n");
-  auto reader = parser::TraceFileReader::Open(file.path());
-  ASSERT_TRUE(reader->Seek(8));
-  const std::vector<Piece> expected = {{"cond\n", false}, {"third\n", false}};
-  EXPECT_EQ(WithReader(*reader), expected);
-  ASSERT_TRUE(reader->Seek(1000));
-  EXPECT_TRUE(WithReader(*reader).empty());
-}
-
-TEST(TraceFileReader, RefusesMissingFilesAndDirectories) {
-  EXPECT_EQ(parser::TraceFileReader::Open("/nonexistent/dir/x.trc"), nullptr);
-  EXPECT_EQ(parser::TraceFileReader::Open(std::filesystem::temp_directory_path().string()),
-            nullptr);
 }
 
 }  // namespace

@@ -4,125 +4,43 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "../support/raised.h"
 #include "parser_fixture.h"
-#include "support/exceptions.h"
 
 namespace {
 
+using pelicor_test::Raised;
+
 using Texts = std::vector<std::string>;
 
-std::unique_ptr<parser::CTraceParser> ParseText(const std::string& text) {
-  const TempFile file(text);
-  auto trace = std::make_unique<parser::CTraceParser>();
-  trace->Parse(file.path(), 0);
-  return trace;
-}
-
-TEST(CTraceParser, ReusedCursorClosesItsPreviousStatement) {
-  auto trace = ParseText(CursorBlock(1, "select 1 from dual", 1000) +
-                         CursorBlock(2, "select 2 from dual", 2000) +
-                         CursorBlock(1, "select\n  3\n from dual", 3000));
-  // #1's first statement closed when #1 opened again; the rest closed at the end, oldest first.
-  EXPECT_EQ(SqlTexts(trace->ClosedStatements()),
-            (Texts{"select 1 from dual\n", "select 2 from dual\n", "select\n  3\n from dual\n"}));
-  EXPECT_EQ(Sequences(trace->ClosedStatements()), (std::vector<std::int64_t>{0, 1, 2}));
-  const parser::ParseInCursorRecord& header = trace->ClosedStatements().front()->header;
-  EXPECT_EQ(header.cursor, 1u);
-  EXPECT_EQ(header.len, 18);
-  EXPECT_EQ(header.hv, 3918581285);
-  EXPECT_EQ(header.ad, "6b3d1f2c");
-  EXPECT_EQ(trace->FirstCursorTime(), 1000);
-  EXPECT_TRUE(trace->OpenStatements().empty());
-}
-
-TEST(CTraceParser, FilesCallsBindsWaitsAndStatRows) {
-  auto trace = ParseText(
-      CursorBlock(3, "select ename from emp where empno = :1") +
-      "PARSE #3:c=0,e=88,p=0,cr=0,cu=0,mis=1,r=0,dep=0,og=4,tim=900\n"
-      "EXEC #3:c=10,e=20,p=1,cr=2,cu=3,mis=0,r=0,dep=0,og=4,tim=1000\n"
-      "WAIT #3: nam='db file sequential read' ela= 10 p1=4 p2=1234 p3=1\n"
-      "WAIT #3: nam='db file sequential read' ela= 20 p1=4 p2=1235 p3=1\n"
-      "BINDS #3:\n"
-      " bind 0: dty=2 mxl=22(21) mal=00 scl=00 pre=00 oacflg=08 oacfl2=0010 size=24 offset=0\n"
-      "   bfp=0a4f1c08 bln=22 avl=02 flg=05\n"
-      "   value=7839\n"
-      " bind 1: (No oacdef for this bind)\n"
-      " bind 2: dty=1 mxl=32(03) mal=00 scl=00 pre=00 oacflg=18 oacfl2=1 size=32 offset=0\n"
-      "   bfp=0a4f1bd4 bln=32 avl=03 flg=05\n"
-      "   value=\"KING\"\n"
-      "EXEC #3:c=0,e=5,p=0,cr=1,cu=0,mis=0,r=0,dep=0,og=4,tim=2000\n"
-      "FETCH #3:c=0,e=142,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=2100\n"
-      "BINDS #3:\n"
-      " bind 0: dty=2 mxl=22(21) mal=00 scl=00 pre=00 oacflg=08 oacfl2=1 size=24 offset=0\n"
-      "   bfp=0a4f1c08 bln=22 avl=00 flg=05\n"
-      "WAIT #3: nam='lost after the binds' ela= 1 p1=0 p2=0 p3=0\n"
-      "EXEC #3:c=0,e=5,p=0,cr=1,cu=0,mis=0,r=0,dep=0,og=4,tim=3000\n"
-      "STAT #3 id=1 cnt=1 pid=0 pos=1 obj=31 op='TABLE ACCESS FULL EMP '\n"
-      "FETCH #9:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=3100\n");
-  ASSERT_EQ(trace->ClosedStatements().size(), 1u);
-  const parser::TraceStatement& statement = *trace->ClosedStatements().front();
-  ASSERT_EQ(statement.exec_calls.size(), 3u);
-  EXPECT_EQ(statement.exec_calls[0].exebnd, -1);
-  EXPECT_EQ(statement.exec_calls[1].exebnd, 0);
-  EXPECT_EQ(statement.exec_calls[2].exebnd, 1);
-  EXPECT_EQ(statement.parse_calls.size(), 1u);
-  EXPECT_EQ(statement.fetch_calls.size(), 1u);  // FETCH #9 had no statement
-  EXPECT_EQ(statement.totals[parser::kExecTotals].count, 3);
-  EXPECT_EQ(statement.totals[parser::kExecTotals].cpu, 10.0);
-  EXPECT_EQ(statement.totals[parser::kExecTotals].query, 4);
-  ASSERT_EQ(statement.waits.size(), 2u);  // the wait right after the second block is lost
-  EXPECT_EQ(statement.waits[0].nam, "db file sequential read");
-  EXPECT_EQ(statement.waits[0].tim, 1010);
-  EXPECT_EQ(statement.waits[1].tim, 1030);
-  ASSERT_EQ(statement.binds.size(), 3u);
-  EXPECT_EQ(statement.binds[0].oacfl2, 10);
-  EXPECT_EQ(statement.binds[0].pl, 21);
-  EXPECT_EQ(statement.binds[0].value, "7839");
-  EXPECT_EQ(statement.binds[1].bind, 2);
-  EXPECT_EQ(statement.binds[1].value, "KING");
-  EXPECT_EQ(statement.binds[1].bind_set, 0);
-  EXPECT_EQ(statement.binds[2].bind_set, 1);
-  EXPECT_EQ(statement.binds[2].value, "");
-  EXPECT_EQ(statement.bind_set_count, 2);
-  ASSERT_EQ(statement.stats.size(), 1u);
-  EXPECT_EQ(statement.stats[0].op, "TABLE ACCESS FULL EMP ");
-  EXPECT_EQ(statement.stats[0].obj, 31);
-}
-
-TEST(CTraceParser, ReleaseBannerChoosesTheTimeDivisorByOneCharacter) {
+TEST(CTraceParser, BannerOrLineFormsTellTheReleaseAndTheTimeDivisor) {
   const struct {
-    const char* banner;
+    const char* first_line;
+    bool newer;
     std::int64_t divisor;
     int major;
   } cases[] = {
-      {"Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n", 1000000, 9},
-      {"Oracle8i Enterprise Edition Release 8.1.7.0.0 - Production\n", 100, 8},
-      {"Oracle10g Release 10.1.0.2.0\n", 100, 10},
-      {"Oracle7 Server Release 7.3.4.0.0 - Production\n", 100, 7},
+      {"Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n", false, 1000000, 9},
+      {"Oracle8i Enterprise Edition Release 8.1.7.0.0 - Production\n", false, 100, 8},
+      {"Oracle7 Server Release 7.3.4.0.0 - Production\n", false, 100, 7},
+      {"Oracle10g Release 10.1.0.2.0\n", false, 100, 10},
+      {"Oracle Database 11g Enterprise Edition Release 11.1.0.6.0 - 64bit Production\n", true,
+       1000000, 11},
+      {"Version 19.14.2.0.0\n", true, 1000000, 19},
+      {"\n", true, 1000000, parser::CTraceParser::kNewerFormsVersion},
   };
   for (const auto& test : cases) {
-    parser::CTraceParser trace;
-    EXPECT_EQ(trace.TimeDivisor(), 100);
-    EXPECT_EQ(trace.ReleaseCharacter(), '8');
-    trace.DispatchLine(test.banner);
-    EXPECT_EQ(trace.TimeDivisor(), test.divisor) << test.banner;
-    EXPECT_EQ(trace.ReleaseCharacter(), test.banner[6]);
-    EXPECT_EQ(trace.BannerMajorVersion(), test.major);
+    const auto trace =
+        ParseText(std::string(test.first_line) +
+                  "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=5793511830834\n");
+    EXPECT_EQ(trace->NewerForms(), test.newer) << test.first_line;
+    EXPECT_EQ(trace->TimeDivisor(), test.divisor) << test.first_line;
+    EXPECT_EQ(trace->BannerMajorVersion(), test.major) << test.first_line;
   }
-}
-
-TEST(CTraceParser, ProcessNumberLineClosesEveryOpenStatement) {
-  parser::CTraceParser trace;
-  trace.DispatchLine("PARSING IN CURSOR #1 len=0 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='a'\n");
-  trace.DispatchLine("PARSING IN CURSOR #2 len=0 dep=0 uid=5 oct=3 lid=5 tim=2 hv=2 ad='b'\n");
-  EXPECT_EQ(trace.OpenStatements().size(), 2u);
-  trace.DispatchLine("Oracle process number: 12\n");
-  EXPECT_EQ(trace.OpenStatements().size(), 0u);
-  EXPECT_EQ(Sequences(trace.ClosedStatements()), (std::vector<std::int64_t>{0, 1}));
 }
 
 TEST(CTraceParser, CursorCacheStaysOnAClosedStatement) {
@@ -163,19 +81,6 @@ TEST(CTraceParser, MergeIdenticalSqlContinuesTheClosedStatement) {
   EXPECT_EQ(Sequences(plain.ClosedStatements()), (std::vector<std::int64_t>{0, 1, 2}));
 }
 
-TEST(CTraceParser, CloseFirstMovesTheOldestAndCountsTheRest) {
-  parser::CTraceParser trace;
-  for (int cursor = 1; cursor <= 3; ++cursor) {
-    trace.DispatchLine("PARSING IN CURSOR #" + std::to_string(cursor) +
-                       " len=0 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='a'\n");
-  }
-  EXPECT_EQ(trace.CloseFirst(0), 3u);
-  EXPECT_EQ(trace.CloseFirst(-4), 3u);
-  EXPECT_EQ(trace.CloseFirst(2), 1u);
-  EXPECT_EQ(Sequences(trace.ClosedStatements()), (std::vector<std::int64_t>{0, 1}));
-  EXPECT_EQ(trace.CloseFirst(5), 0u);
-}
-
 TEST(CTraceParser, ParseErrorMakesAStatementOfItsOwn) {
   auto trace = ParseText(CursorBlock(3, "select 1 from dual") +
                          "PARSE ERROR #3:len=17 dep=0 uid=5 oct=3 lid=5 tim=77 err=942\n"
@@ -210,6 +115,9 @@ TEST(CTraceParser, ParsesFromAByteOffset) {
   parser::CTraceParser trace;
   trace.Parse(file.path(), first.size());
   EXPECT_EQ(SqlTexts(trace.ClosedStatements()), (Texts{"select 2 from dual\n"}));
+  parser::CTraceParser past_end;
+  past_end.Parse(file.path(), 100000);  // nothing to read is no error
+  EXPECT_TRUE(past_end.ClosedStatements().empty());
 }
 
 TEST(CTraceParser, BatchesStopAtTheLimitAndContinueWhereTheyStopped) {
@@ -250,7 +158,6 @@ TEST(CTraceParser, BatchFlagsSkipWaitsAndBinds) {
   EXPECT_TRUE(statement.waits.empty());
   EXPECT_TRUE(statement.binds.empty());
   EXPECT_EQ(statement.exec_calls.size(), 1u);
-  EXPECT_TRUE(trace.SkipWaits() && trace.SkipBinds() && trace.TopLevelOnly());
 }
 
 TEST(CTraceParser, StreamFormsReadTheirSource) {
@@ -278,30 +185,23 @@ TEST(CTraceParser, StreamFormsReadTheirSource) {
   EXPECT_EQ(batch.closes, 0);
 }
 
-void ExpectRaise(const std::function<void()>& call, const char* method, const char* message) {
-  try {
-    call();
-    ADD_FAILURE() << "no exception for " << message;
-  } catch (const exceptions::ExceptionBase& e) {
-    EXPECT_EQ(e.File(), "TraceParser");
-    EXPECT_EQ(e.ClassName(), "CTraceParser::Parse");
-    EXPECT_EQ(e.Method(), method);
-    EXPECT_EQ(e.Message(), message);
-  }
-}
+constexpr const char* kRaisedBy = "TraceParser|CTraceParser::Parse|";
 
 TEST(CTraceParser, RaisesTheExactMessages) {
   parser::CTraceParser trace;
-  ExpectRaise([&] { trace.Parse("/nonexistent/x.trc", 0); }, "fopen",
-              "Trace parser failed to open parse file!");
-  ExpectRaise([&] { trace.ParseBatch("/nonexistent/x.trc", 1, 0); }, "fopen",
-              "Trace parser failed to open parse file.");
+  for (const std::string& name :
+       {std::string("/nonexistent/x.trc"), std::filesystem::temp_directory_path().string()}) {
+    EXPECT_EQ(Raised([&] { trace.Parse(name, 0); }),
+              kRaisedBy + std::string("fopen|Trace parser failed to open parse file!"));
+  }
+  EXPECT_EQ(Raised([&] { trace.ParseBatch("/nonexistent/x.trc", 1, 0); }),
+            kRaisedBy + std::string("fopen|Trace parser failed to open parse file."));
   const TempFile file("x\n");
-  ExpectRaise([&] { trace.Parse(file.path(), ~std::uint64_t{0}); }, "fopen",
-              "Trace parser failed to move file cursor to offset!");
+  EXPECT_EQ(Raised([&] { trace.Parse(file.path(), ~std::uint64_t{0}); }),
+            kRaisedBy + std::string("fopen|Trace parser failed to move file cursor to offset!"));
   StringLineSource refusing({}, false);
-  ExpectRaise([&] { trace.ParseStream(refusing, "x.trc", 0); }, "OpenLines",
-              "Trace parser failed to open parse file!");
+  EXPECT_EQ(Raised([&] { trace.ParseStream(refusing, "x.trc", 0); }),
+            kRaisedBy + std::string("OpenLines|Trace parser failed to open parse file!"));
 }
 
 TEST(CTraceParser, SizeLimitLineEndsTheParseKeepingWhatWasFiled) {
@@ -310,30 +210,13 @@ TEST(CTraceParser, SizeLimitLineEndsTheParseKeepingWhatWasFiled) {
                       "*** DUMP FILE SIZE IS LIMITED TO 5242880 BYTES ***\n" +
                       CursorBlock(2, "select 2 from dual"));
   parser::CTraceParser trace;
-  ExpectRaise([&] { trace.ParseBatch(file.path(), 0, 0); }, "Parse",
-              "Trace file has reached max_dump_file_size!");
+  EXPECT_EQ(Raised([&] { trace.ParseBatch(file.path(), 0, 0); }),
+            kRaisedBy + std::string("Parse|Trace file has reached max_dump_file_size!"));
   EXPECT_EQ(SqlTexts(trace.OpenStatements()), (Texts{"select 1 from dual\n"}));
   // The file stays open: the next batch goes on behind the line that raised.
   EXPECT_FALSE(trace.ParseBatch(file.path(), 5, 0));
   EXPECT_EQ(SqlTexts(trace.ClosedStatements()),
             (Texts{"select 1 from dual\n", "select 2 from dual\n"}));
-}
-
-TEST(CTraceParser, SettingsForTheWriters) {
-  parser::SortOptions options(true, false, true, 3);
-  parser::CTraceParser trace(&options, true);
-  EXPECT_FALSE(trace.HasVersion());
-  EXPECT_EQ(trace.GetSortOptions(), &options);
-  EXPECT_TRUE(trace.IsAggregated());
-  trace.SetOutputDirectory("out");
-#ifdef _WIN32
-  EXPECT_EQ(trace.OutputDirectory(), "out\\");
-#else
-  EXPECT_EQ(trace.OutputDirectory(), "out/");
-#endif
-  parser::CTraceParser named("select ename", "9.2.0.4.0");
-  EXPECT_TRUE(named.HasVersion());
-  EXPECT_EQ(named.StatementId(), "select ename");
 }
 
 }  // namespace

@@ -3,40 +3,16 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
-#include <fstream>
-#include <random>
-#include <sstream>
-
 namespace writer_test {
 
 using namespace parser;
 
-std::string ReadFile(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream content;
-  content << in.rdbuf();
-  return content.str();
-}
-
 std::string ReadXml(const std::filesystem::path& path) {
-  const std::string document = ReadFile(path);
+  const std::string document = pelicor_test::ReadWholeFile(path);
   pugi::xml_document parsed;
   const pugi::xml_parse_result result = parsed.load_buffer(document.data(), document.size());
   EXPECT_TRUE(result) << path << ": " << result.description() << " at " << result.offset;
   return document;
-}
-
-// ctest runs the cases as separate processes, possibly at once: a random name keeps them apart.
-ScratchDir::ScratchDir() {
-  std::random_device random;
-  path = std::filesystem::temp_directory_path() /
-         ("pelicor_writers_" + std::to_string(random()) + std::to_string(random()));
-  std::filesystem::create_directories(path);
-}
-
-ScratchDir::~ScratchDir() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path, ignored);
 }
 
 namespace {

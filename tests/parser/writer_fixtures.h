@@ -1,4 +1,4 @@
-// Statements built in memory as the parser files them, and a scratch directory.
+// Statements built in memory as the parser files them, and well-formed documents read back.
 #ifndef PELICOR_TESTS_PARSER_WRITER_FIXTURES_H_
 #define PELICOR_TESTS_PARSER_WRITER_FIXTURES_H_
 
@@ -6,21 +6,13 @@
 #include <memory>
 #include <string>
 
+#include "../support/scratch.h"
 #include "parser/trace_statement.h"
 
 namespace writer_test {
 
-std::string ReadFile(const std::filesystem::path& path);
 // Reads the file and checks with pugixml that it is well-formed XML.
 std::string ReadXml(const std::filesystem::path& path);
-
-// A fresh directory, removed at the end.
-struct ScratchDir {
-  ScratchDir();
-  ~ScratchDir();
-  std::string File(const std::string& name) const { return (path / name).string(); }
-  std::filesystem::path path;
-};
 
 // 1. cursor 1, dep 0: a parse, a bind, an exec, a fetch with every field missing, two STAT
 //    rows, four waits; "<", "&", '"' and "]]>" where they need escaping or splitting.

@@ -2,22 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
+#include "scratch.h"
 #include "support/activity_log.h"
 
 namespace {
-
-std::string ReadFile(const std::filesystem::path& path) {
-  std::ifstream in(path);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 class FakeOracleHandle : public exceptions::OracleErrorSource {
  public:
@@ -28,18 +18,6 @@ class FakeOracleHandle : public exceptions::OracleErrorSource {
   void ResetError() override { reset = true; }
   bool reset = false;
 };
-
-TEST(ExceptionBase, KeepsItsFourTextsAndZeroCodes) {
-  const exceptions::ExceptionBase e("TraceParser", "CTraceParser::Parse", "fopen",
-                                    "Trace parser failed to open parse file!");
-  EXPECT_EQ(e.File(), "TraceParser");
-  EXPECT_EQ(e.ClassName(), "CTraceParser::Parse");
-  EXPECT_EQ(e.Method(), "fopen");
-  EXPECT_EQ(e.Message(), "Trace parser failed to open parse file!");
-  EXPECT_EQ(e.Status(), 0);
-  EXPECT_EQ(e.ErrorCode(), 0);
-  EXPECT_EQ(e.Category(), 0);
-}
 
 TEST(OracleException, TakesTheHandlesTextAndCodeAndResetsIt) {
   FakeOracleHandle handle;
@@ -54,16 +32,17 @@ TEST(OracleException, TakesTheHandlesTextAndCodeAndResetsIt) {
 }
 
 TEST(ActivityLog, WritesOneRecordPerExceptionOnlyWhileOn) {
-  const auto path = std::filesystem::temp_directory_path() / "pelicor_activity_test.xml";
+  const pelicor_test::ScratchDir dir;
+  const std::string path = dir.File("activity.xml");
   std::string error;
   exceptions::ExceptionBase before("a", "b", "c", "not logged");
-  ASSERT_TRUE(support::ActivityLog::Enable(path.string(), &error)) << error;
+  ASSERT_TRUE(support::ActivityLog::Enable(path, &error)) << error;
   exceptions::ExceptionBase logged("Pelicor", "ConvertFilename", "ConvertFilename",
                                    "Filename does not contain '.trc' !");
   support::ActivityLog::Disable();
   exceptions::ExceptionBase after("a", "b", "c", "not logged either");
 
-  const std::string log = ReadFile(path);
+  const std::string log = pelicor_test::ReadWholeFile(path);
   EXPECT_NE(log.find("<MESSAGE>Pelicor - ConvertFilename - ConvertFilename - Filename does not "
                      "contain '.trc' !</MESSAGE>"),
             std::string::npos)
@@ -71,7 +50,6 @@ TEST(ActivityLog, WritesOneRecordPerExceptionOnlyWhileOn) {
   EXPECT_NE(log.find("method=\"ExceptionBase (Constructor)\""), std::string::npos);
   EXPECT_EQ(log.find("not logged"), std::string::npos);
   EXPECT_EQ(log.rfind("</ACTIVITYLOG>\n"), log.size() - 15);
-  std::filesystem::remove(path);
 }
 
 TEST(ActivityLog, ReportsAFileThatCannotBeCreated) {

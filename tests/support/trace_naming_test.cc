@@ -4,13 +4,11 @@
 
 #include <string>
 
-#include "support/exceptions.h"
+#include "raised.h"
 
 namespace {
 
-std::string Texts(const exceptions::ExceptionBase& e) {
-  return e.File() + "|" + e.ClassName() + "|" + e.Method() + "|" + e.Message();
-}
+using pelicor_test::Raised;
 
 TEST(ConvertFilename, OverwritesTheThreeCharactersAfterTheFirstDot) {
   // clang-format off
@@ -26,13 +24,8 @@ TEST(ConvertFilename, OverwritesTheThreeCharactersAfterTheFirstDot) {
   }
   for (const char* in : {"trace.log", "ora_1.Trc", "", "ora_1trc"}) {
     std::string name = in;
-    try {
-      support::ConvertFilename(name);
-      ADD_FAILURE() << in;
-    } catch (const exceptions::ExceptionBase& e) {
-      EXPECT_EQ(Texts(e),
-                "Pelicor|ConvertFilename|ConvertFilename|Filename does not contain '.trc' !");
-    }
+    EXPECT_EQ(Raised([&] { support::ConvertFilename(name); }),
+              "Pelicor|ConvertFilename|ConvertFilename|Filename does not contain '.trc' !");
     EXPECT_EQ(name, in);
   }
 }
@@ -40,14 +33,9 @@ TEST(ConvertFilename, OverwritesTheThreeCharactersAfterTheFirstDot) {
 TEST(ConvertPID2TraceFilename, PadsToFiveAndRefusesLongerPids) {
   const char* cases[][2] = {{"123", "00123"}, {"12345", "12345"}, {"", "00000"}, {"12a", "0012a"}};
   for (const auto& c : cases) EXPECT_EQ(support::ConvertPID2TraceFilename(c[0]), c[1]) << c[0];
-  try {
-    support::ConvertPID2TraceFilename("123456");
-    ADD_FAILURE();
-  } catch (const exceptions::ExceptionBase& e) {
-    EXPECT_EQ(Texts(e),
-              "Pelicor|ConvertPID2TraceFilename|ConvertPID2TraceFilename|The digits of PID is more "
-              "than 5, which is not supported by this version!");
-  }
+  EXPECT_EQ(Raised([] { support::ConvertPID2TraceFilename("123456"); }),
+            "Pelicor|ConvertPID2TraceFilename|ConvertPID2TraceFilename|The digits of PID is more "
+            "than 5, which is not supported by this version!");
 }
 
 }  // namespace

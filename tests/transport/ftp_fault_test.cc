@@ -14,7 +14,7 @@ namespace {
 
 using pelicor_test::FtpServers;
 using pelicor_test::ReadWholeFile;
-using pelicor_test::TempDir;
+using pelicor_test::ScratchDir;
 
 // The fault server's files: any name holds these 10000 bytes.
 std::string FaultFile(const std::string& name) {
@@ -39,31 +39,31 @@ class FtpFaultTest : public ::testing::Test {
     return FtpLogin(FtpServers::Get()->Address(scenario).c_str(), "scott", "tiger");
   }
 
-  TempDir dir_;
+  ScratchDir dir_;
 };
 
 struct FaultCase {
   const char* scenario;
   bool passive;
-  std::function<int(const TempDir&)> run;  // the result of the last call
+  std::function<int(const ScratchDir&)> run;  // the result of the last call
   int result;
   const char* transcript;
 };
 
 TEST_F(FtpFaultTest, ResultsAndCommandTranscripts) {
-  const auto recv = [](const TempDir& dir) {
+  const auto recv = [](const ScratchDir& dir) {
     return FtpRecvFile("x.bin", dir.File("x.bin").c_str(), 'I', false);
   };
   const FaultCase cases[] = {
-      {"greeting_421", true, [](const TempDir&) { return 0; }, 1008, ""},
-      {"silent", true, [](const TempDir&) { return 0; }, 2002, ""},
-      {"long_line", true, [](const TempDir&) { return 0; }, 3001, ""},
-      {"nul_bytes", true, [](const TempDir&) { return FtpNOOP(); }, 0,
+      {"greeting_421", true, [](const ScratchDir&) { return 0; }, 1008, ""},
+      {"silent", true, [](const ScratchDir&) { return 0; }, 2002, ""},
+      {"long_line", true, [](const ScratchDir&) { return 0; }, 3001, ""},
+      {"nul_bytes", true, [](const ScratchDir&) { return FtpNOOP(); }, 0,
        "USER scott\nPASS tiger\nNOOP\n"},
-      {"mid_421", true, [](const TempDir&) { return FtpCWD("udump"); }, 3001,
+      {"mid_421", true, [](const ScratchDir&) { return FtpCWD("udump"); }, 3001,
        "USER scott\nPASS tiger\nCWD udump\n"},
       {"mid_421", true,
-       [](const TempDir&) {
+       [](const ScratchDir&) {
          FtpCWD("udump");
          return FtpNOOP();
        },
@@ -72,7 +72,7 @@ TEST_F(FtpFaultTest, ResultsAndCommandTranscripts) {
       {"pasv_few_commas", true, recv, 3001, "USER scott\nPASS tiger\nTYPE I\nPASV\n"},
       {"data_drop", true, recv, 2006, "USER scott\nPASS tiger\nTYPE I\nPASV\nRETR x.bin\nABOR\n"},
       {"normal", true,
-       [](const TempDir& dir) {
+       [](const ScratchDir& dir) {
          const int result = FtpRecvFileToHandle(
              "data.bin", os::CreateFileForWrite(dir.File("data.bin")), 'I', false, 100);
          return result != 0 ? result : FtpQuit();

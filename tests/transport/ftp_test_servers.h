@@ -4,23 +4,18 @@
 #ifndef PELICOR_TESTS_TRANSPORT_FTP_TEST_SERVERS_H_
 #define PELICOR_TESTS_TRANSPORT_FTP_TEST_SERVERS_H_
 
-#include <atomic>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
 #include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "../support/scratch.h"
+
 namespace pelicor_test {
 
-inline std::string ReadWholeFile(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+using pelicor_test::ReadWholeFile;
 
 class FtpServers {
  public:
@@ -67,28 +62,6 @@ class FtpServers {
   }
 
   std::filesystem::path state_;
-};
-
-// A directory of its own for one test, removed with everything in it.
-class TempDir {
- public:
-  TempDir() {
-    static std::atomic<int> counter{0};
-    path_ = std::filesystem::temp_directory_path() /
-            ("pelicor-ftp-test-" + std::to_string(std::random_device{}()) + "-" +
-             std::to_string(counter++));
-    std::filesystem::create_directories(path_);
-  }
-  ~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-  std::string File(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
 };
 
 #define PELICOR_REQUIRE_FTP_SERVERS()                                                      \
