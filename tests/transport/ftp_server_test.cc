@@ -1,6 +1,7 @@
 // The FTP client against real servers on 127.0.0.1: proftpd and pyftpdlib, each in passive
 // and active mode.
 #include <cstdlib>
+#include <ostream>
 #include <set>
 #include <sstream>
 #include <string>
@@ -23,6 +24,11 @@ struct Mode {
   const char* server;
   bool passive;
 };
+
+// So that ctest lists "proftpd passive", not the bytes of the struct.
+void PrintTo(const Mode& mode, std::ostream* out) {
+  *out << mode.server << (mode.passive ? " passive" : " active");
+}
 
 std::string ModeName(const ::testing::TestParamInfo<Mode>& info) {
   return std::string(info.param.server) + (info.param.passive ? "_passive" : "_active");
