@@ -8,22 +8,11 @@
 namespace facade_test {
 namespace {
 
-// Which of the fixture's three statements a call-by-call document holds.
-std::string Statements(const std::string& document) {
-  std::string found;
-  for (const char* sql : {"select ename", "update emp", "commit"}) {
-    if (document.find(sql) != std::string::npos)
-      found += found.empty() ? sql : std::string("+") + sql;
-  }
-  return found;
-}
-
 class BatchParseTest : public FacadeTest {
  protected:
   // A directory where the portion's document should go makes CreateXML fail after parsing.
   void BlockOutput() const { fs::create_directory(work() / kXml); }
   void UnblockOutput() const { fs::remove(work() / kXml); }
-  std::string Portion() const { return Statements(ReadFile(work() / kXml)); }
 };
 
 // The select closes when its cursor is reused; the other two when the trace ends, one a call.
@@ -46,12 +35,12 @@ TEST_F(BatchParseTest, ParseFileExAnswersMoreUntilTheTraceIsRead) {
 TEST_F(BatchParseTest, FlagLowByteSelectsWhatIsSkipped) {
   AddTrace(root());
   ASSERT_EQ(service_.ParseFileEx(kTrace, 1, 0x100, &out_, &msg_), 0);
-  EXPECT_NE(ReadFile(work() / kXml).find("<WAIT>"), std::string::npos);
+  EXPECT_NE(ReadWholeFile(work() / kXml).find("<WAIT>"), std::string::npos);
   facade::CPelicor other;
   ASSERT_EQ(other.SetWorkingDir(work().c_str(), &msg_), 0);
   ASSERT_EQ(other.ParseFileEx(kTrace, 1, 0x101, &out_, &msg_), 0);
   EXPECT_EQ(Portion(), "select ename");
-  EXPECT_EQ(ReadFile(work() / kXml).find("<WAIT>"), std::string::npos);
+  EXPECT_EQ(ReadWholeFile(work() / kXml).find("<WAIT>"), std::string::npos);
 }
 
 TEST_F(BatchParseTest, ParseFileExKeepsItsParserAfterAFailure) {

@@ -2,29 +2,19 @@
 // between calls, and how a failure, the file-share batch or the object's end drop it.
 #include <string>
 
-#include "ftp_fixture.h"
+#include "facade_fixture.h"
 
 namespace facade_test {
 namespace {
 
 class FtpBatchTest : public FtpFlowsTest {
  protected:
-  // Which of the fixture's statements the last portion's document holds.
-  std::string Portion() const {
-    const std::string document = ReadFile(work() / kXml);
-    std::string found;
-    for (const char* sql : {"select ename", "update emp", "commit"}) {
-      if (document.find(sql) != std::string::npos)
-        found += found.empty() ? sql : std::string("+") + sql;
-    }
-    return found;
-  }
   // The fixture trace 500 times over (about 1 MB): a stream dropped after its first portion
   // is still being sent.
   void ServeLongTrace() const {
     std::string text;
     for (int i = 0; i < 500; ++i) text += Fixture(kTrace);
-    Serve(kTrace, text);
+    WriteWholeFile(Served() / kTrace, text);
   }
   std::string Batch(const char* name = kTrace) {
     service_.FtpParseFileEx(name, 1, 0, &out_, &msg_);
@@ -34,7 +24,7 @@ class FtpBatchTest : public FtpFlowsTest {
 
 // While the batch holds the thread's FTP session, other FTP calls cannot start their own.
 TEST_F(FtpBatchTest, AnswersMoreUntilTheStreamIsRead) {
-  Serve(kTrace, Fixture(kTrace));
+  WriteWholeFile(Served() / kTrace, Fixture(kTrace));
   for (const char* portion : {"select ename", "update emp"}) {
     EXPECT_EQ(Batch(), "MORE");
     EXPECT_EQ(out_, kXml);
@@ -51,7 +41,7 @@ TEST_F(FtpBatchTest, AnswersMoreUntilTheStreamIsRead) {
 }
 
 TEST_F(FtpBatchTest, FailureDropsTheBatchAndTheNextCallStartsAfresh) {
-  Serve(kTrace, Fixture(kTrace));
+  WriteWholeFile(Served() / kTrace, Fixture(kTrace));
   EXPECT_EQ(Batch("gone.trc"), "FTP failed to open data stream connection!");
   EXPECT_EQ(service_.BatchParser(), nullptr);
   EXPECT_FALSE(service_.HasFtpStream());

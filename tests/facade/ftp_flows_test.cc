@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "ftp_fixture.h"
+#include "facade_fixture.h"
 
 namespace facade_test {
 namespace {
@@ -11,22 +11,23 @@ namespace {
 constexpr const char* kListing = "FtpTraceFileList.txt";
 
 TEST_F(FtpFlowsTest, ListsTheTraceFilesOfTheDirectory) {
-  for (const char* name : {"a.trc", "x_55.trc", "55_ora.trc", "notes.txt"}) Serve(name, name);
+  for (const char* name : {"a.trc", "x_55.trc", "55_ora.trc", "notes.txt"})
+    WriteWholeFile(Served() / name, name);
   ASSERT_EQ(service_.FtpGetTraceFileList(0, &msg_), 0) << msg_;
-  std::string names = ReadFile(work() / kListing);  // in the server's order
+  std::string names = ReadWholeFile(work() / kListing);  // in the server's order
   for (const char* name : {"55_ora.trc\r\n", "a.trc\r\n", "x_55.trc\r\n"}) {
     EXPECT_NE(names.find(name), std::string::npos) << name;
   }
   EXPECT_EQ(names.size(), 29u);
   ASSERT_EQ(service_.FtpGetTraceFileList(1, &msg_), 0) << msg_;
-  const std::string long_form = ReadFile(work() / kListing);
+  const std::string long_form = ReadWholeFile(work() / kListing);
   EXPECT_EQ(long_form.rfind("-rw", 0), 0u) << long_form;
   EXPECT_NE(long_form.find(" 10 "), std::string::npos);  // 55_ora.trc's size
   EXPECT_EQ(long_form.find("notes.txt"), std::string::npos);
 
   // The names that end in the process id, in the long form.
   ASSERT_EQ(service_.FtpGetTraceFileListPID("55", &msg_), 0) << msg_;
-  const std::string of_pid = ReadFile(work() / kListing);
+  const std::string of_pid = ReadWholeFile(work() / kListing);
   EXPECT_NE(of_pid.find(" x_55.trc\r\n"), std::string::npos) << of_pid;
   EXPECT_EQ(of_pid.find("55_ora.trc"), std::string::npos);
 
@@ -36,19 +37,19 @@ TEST_F(FtpFlowsTest, ListsTheTraceFilesOfTheDirectory) {
 }
 
 TEST_F(FtpFlowsTest, CopiesATraceFileIntoTheWorkingDirectory) {
-  Serve(kTrace, Fixture(kTrace));
+  WriteWholeFile(Served() / kTrace, Fixture(kTrace));
   ASSERT_EQ(service_.FtpGetTraceFile(kTrace, &msg_), 0) << msg_;
-  EXPECT_EQ(ReadFile(work() / kTrace), AsciiCopy(Fixture(kTrace)));
+  EXPECT_EQ(ReadWholeFile(work() / kTrace), AsciiCopy(Fixture(kTrace)));
 }
 
 // Both documents of the streamed trace are those of the local copy, sort options applied.
 TEST_F(FtpFlowsTest, StreamedParseWritesTheDocumentsOfTheLocalFile) {
-  Serve(kTrace, Fixture(kTrace));
+  WriteWholeFile(Served() / kTrace, Fixture(kTrace));
   AddTrace(root());
   ASSERT_EQ(service_.SetSortOption(0, 1, 0, 1, &msg_), 0);
   const auto documents = [&] {
-    std::string calls = fs::exists(work() / kXml) ? ReadFile(work() / kXml) : "(none)";
-    std::string aggregated = fs::exists(root() / kXml) ? ReadFile(root() / kXml) : "(none)";
+    std::string calls = fs::exists(work() / kXml) ? ReadWholeFile(work() / kXml) : "(none)";
+    std::string aggregated = fs::exists(root() / kXml) ? ReadWholeFile(root() / kXml) : "(none)";
     fs::remove(work() / kXml);
     fs::remove(root() / kXml);
     return calls + "\n--- aggregated:\n" + aggregated;
@@ -66,21 +67,21 @@ TEST_F(FtpFlowsTest, StreamedParseWritesTheDocumentsOfTheLocalFile) {
 // The lookup's size is where the session's new lines start: a later parse reads only those.
 TEST_F(FtpFlowsTest, TraceFileOfAProcessSetsTheStartOffset) {
   const std::string name = "4242_orcl.trc";
-  Serve(name, Fixture(kTrace));
+  WriteWholeFile(Served() / name, Fixture(kTrace));
   ASSERT_EQ(service_.FtpGetTraceFilePID("4242", 0, &out_, &msg_), 0) << msg_;
   EXPECT_EQ(out_, name);
   EXPECT_EQ(service_.TraceFileName(), name);
   EXPECT_EQ(service_.StartOffset(), Fixture(kTrace).size());
   EXPECT_FALSE(fs::exists(work() / name));
 
-  AppendServed(name, Fixture(kTrace));
+  AppendFile(Served() / name, Fixture(kTrace));
   ASSERT_EQ(service_.FtpGetTraceFilePID("4242", 1, &out_, &msg_), 0) << msg_;
-  EXPECT_EQ(ReadFile(work() / name), AsciiCopy(Fixture(kTrace) + Fixture(kTrace)));
+  EXPECT_EQ(ReadWholeFile(work() / name), AsciiCopy(Fixture(kTrace) + Fixture(kTrace)));
   EXPECT_EQ(service_.StartOffset(), 2 * Fixture(kTrace).size());
 
-  AppendServed(name, Fixture(kTrace));
+  AppendFile(Served() / name, Fixture(kTrace));
   ASSERT_EQ(service_.FtpParseFile(name.c_str(), 0, 0, 0, &out_, &msg_), 0) << msg_;
-  EXPECT_EQ(ReadFile(work() / "4242_orcl.xml"), Fixture("orcl_ora_4242.calls.xml"));
+  EXPECT_EQ(ReadWholeFile(work() / "4242_orcl.xml"), Fixture("orcl_ora_4242.calls.xml"));
 }
 
 // Each failure reports the transport's message and releases the session: the next FTP call

@@ -2,7 +2,7 @@
 // what the session traced after it.
 #include <string>
 
-#include "ftp_fixture.h"
+#include "facade_fixture.h"
 #include "parser/trace_parser.h"
 
 namespace facade_test {
@@ -28,9 +28,9 @@ TEST_F(FtpFlowsTest, ValidationUsesItsOwnSettingsAndKeepsTheStoredOnes) {
   EXPECT_EQ(service_.TraceFileName(), "4711_ora.trc");
   EXPECT_EQ(service_.StartOffset(), 4711u);
   EXPECT_EQ(service_.FtpInfo().GetUdump(), Udump());
-  Serve(kTrace, "x\n");
+  WriteWholeFile(Served() / kTrace, "x\n");
   EXPECT_EQ(service_.FtpGetTraceFile(kTrace, &msg_), 0) << msg_;
-  EXPECT_EQ(ReadFile(work() / kTrace), "x\r\n");
+  EXPECT_EQ(ReadWholeFile(work() / kTrace), "x\r\n");
 }
 
 TEST_F(FtpFlowsTest, StartUpStoresItsSettingsEvenWhenTheLookupFails) {
@@ -44,7 +44,7 @@ TEST_F(FtpFlowsTest, StartUpStoresItsSettingsEvenWhenTheLookupFails) {
   EXPECT_EQ(service_.FtpInfo().GetUdump(), "/lookup");
   EXPECT_EQ(service_.Transport(), facade::kNoTransport);
 
-  Serve(kSessionTrace, Fixture(kTrace));
+  WriteWholeFile(Served() / kSessionTrace, Fixture(kTrace));
   ASSERT_EQ(service_.ZantivFtpTrcStartUp(Host().c_str(), user.c_str(), password.c_str(),
                                          Udump().c_str(), "4242", &out_, &msg_),
             0)
@@ -60,7 +60,7 @@ TEST_F(FtpFlowsTest, StartUpStoresItsSettingsEvenWhenTheLookupFails) {
 // The statement document covers what the session wrote after the start-up, and is the one a
 // parse of those lines alone gives.
 TEST_F(FtpFlowsTest, StatementDocumentReadsWhatTheSessionWroteSinceTheStartUp) {
-  Serve(kSessionTrace, Fixture(kTrace));
+  WriteWholeFile(Served() / kSessionTrace, Fixture(kTrace));
   ASSERT_EQ(service_.ZantivFtpTrcStartUp(Host().c_str(), Servers().User().c_str(),
                                          Servers().Password().c_str(), Udump().c_str(), "4242",
                                          &out_, &msg_),
@@ -76,12 +76,12 @@ TEST_F(FtpFlowsTest, StatementDocumentReadsWhatTheSessionWroteSinceTheStartUp) {
   local.SetOutputDirectory(work().string());
   local.Parse("since.trc", 0);
   local.CreateSortedXML(kSessionTrace);
-  const std::string expected = ReadFile(root() / kSessionXml);
+  const std::string expected = ReadWholeFile(root() / kSessionXml);
   fs::remove(root() / kSessionXml);
 
-  AppendServed(kSessionTrace, Fixture(kTrace));
+  AppendFile(Served() / kSessionTrace, Fixture(kTrace));
   ASSERT_EQ(service_.ZantivGetTraceInfo("update emp", "9.2.0.4.0", &msg_), 0) << msg_;
-  EXPECT_EQ(ReadFile(root() / kSessionXml), expected);
+  EXPECT_EQ(ReadWholeFile(root() / kSessionXml), expected);
   EXPECT_NE(expected.find("<EXEC count=\"1\" cpu=\"0.02\""), std::string::npos);  // the update
 }
 

@@ -28,10 +28,10 @@ TEST_F(ParseFileTest, XmlTypeChoosesTheDocuments) {
     EXPECT_EQ(fs::exists(work() / kXml), row.calls);
     EXPECT_EQ(fs::exists(root() / kXml), row.aggregated);
     if (row.calls) {
-      EXPECT_EQ(ReadFile(work() / kXml), Fixture("orcl_ora_4242.calls.xml"));
+      EXPECT_EQ(ReadWholeFile(work() / kXml), Fixture("orcl_ora_4242.calls.xml"));
     }
     if (row.aggregated) {
-      EXPECT_EQ(ReadFile(root() / kXml), Fixture("orcl_ora_4242.aggregated.xml"));
+      EXPECT_EQ(ReadWholeFile(root() / kXml), Fixture("orcl_ora_4242.aggregated.xml"));
     }
   }
 }
@@ -58,7 +58,7 @@ TEST_F(ParseFileTest, AggregatedDocumentFollowsTheLastSortOptions) {
   ASSERT_EQ(service_.SetSortOption(1, 0, 1, 2, &msg_), 0);
   ASSERT_EQ(service_.SetSortOption(0, 1, 0, 1, &msg_), 0);
   ASSERT_EQ(service_.ParseFile(kTrace, 0, 1, 1, &out_, &msg_), 0);
-  const std::string document = ReadFile(root() / kXml);
+  const std::string document = ReadWholeFile(root() / kXml);
   EXPECT_LT(document.find("update emp"), document.find("select ename"));
 }
 
@@ -66,7 +66,7 @@ TEST_F(ParseFileTest, NfsParseFileReadsTheShareInPlace) {
   AddTrace(udump());
   EXPECT_EQ(service_.NfsParseFile(kTrace, 0, 0, 0, &out_, &msg_), 0);
   EXPECT_EQ(msg_, "OK");
-  EXPECT_EQ(ReadFile(work() / kXml), Fixture("orcl_ora_4242.calls.xml"));
+  EXPECT_EQ(ReadWholeFile(work() / kXml), Fixture("orcl_ora_4242.calls.xml"));
   EXPECT_FALSE(fs::exists(work() / kTrace));  // nothing copied
 }
 

@@ -20,13 +20,13 @@ class ShareFlowsTest : public FacadeTest {
 TEST_F(ShareFlowsTest, ListsTraceFilesIntoTheWorkingDirectory) {
   AddTrace(udump());
   AddTrace(udump(), "orcl_ora_77.trc");
-  WriteFile(udump() / "alert_orcl.log", "");
+  WriteWholeFile(udump() / "alert_orcl.log", "");
   EXPECT_EQ(service_.NfsGetTraceFileList(0, &msg_), 0);
   EXPECT_EQ(msg_, "OK");
-  EXPECT_EQ(ReadFile(work() / "NfsTraceFileList.txt"), "orcl_ora_4242.trc\norcl_ora_77.trc\n");
+  EXPECT_EQ(ReadWholeFile(work() / "NfsTraceFileList.txt"), "orcl_ora_4242.trc\norcl_ora_77.trc\n");
 
   EXPECT_EQ(service_.NfsGetTraceFileListPID("77", &msg_), 0);
-  const std::string listing = ReadFile(work() / "NfsTraceFileList.txt");
+  const std::string listing = ReadWholeFile(work() / "NfsTraceFileList.txt");
   EXPECT_NE(listing.find(std::to_string(TraceSize()) + " "), std::string::npos) << listing;
   EXPECT_NE(listing.find(" orcl_ora_77.trc\n"), std::string::npos) << listing;
   EXPECT_EQ(listing.find("4242"), std::string::npos) << listing;
@@ -39,14 +39,14 @@ TEST_F(ShareFlowsTest, ListsTraceFilesIntoTheWorkingDirectory) {
 TEST_F(ShareFlowsTest, GetTraceFileCopiesIntoTheWorkingDirectory) {
   AddTrace(udump());
   EXPECT_EQ(service_.NfsGetTraceFile(kTrace, &msg_), 0);
-  EXPECT_EQ(ReadFile(work() / kTrace), Fixture(kTrace));
+  EXPECT_EQ(ReadWholeFile(work() / kTrace), Fixture(kTrace));
   // A file that is not there is not reported: hosts look for the copy themselves.
   EXPECT_EQ(service_.NfsGetTraceFile("gone.trc", &msg_), 0);
   EXPECT_EQ(msg_, "OK");
   // Without a working directory the copy lands in the current directory.
   ASSERT_EQ(service_.SetWorkingDir("", &msg_), 0);
   EXPECT_EQ(service_.NfsGetTraceFile(kTrace, &msg_), 0);
-  EXPECT_EQ(ReadFile(root() / kTrace), Fixture(kTrace));
+  EXPECT_EQ(ReadWholeFile(root() / kTrace), Fixture(kTrace));
 }
 
 TEST_F(ShareFlowsTest, TraceFileOfAPidSetsNameAndStartOffset) {
@@ -58,7 +58,7 @@ TEST_F(ShareFlowsTest, TraceFileOfAPidSetsNameAndStartOffset) {
   EXPECT_EQ(service_.StartOffset(), TraceSize());
   EXPECT_FALSE(fs::exists(work() / kTrace));
   EXPECT_EQ(service_.NfsGetTraceFilePID("4242", 1, &out_, &msg_), 0);
-  EXPECT_EQ(ReadFile(work() / kTrace), Fixture(kTrace));
+  EXPECT_EQ(ReadWholeFile(work() / kTrace), Fixture(kTrace));
 }
 
 TEST_F(ShareFlowsTest, TraceFileOfAPidFailsWithTheLookupsMessage) {
@@ -74,11 +74,11 @@ TEST_F(ShareFlowsTest, TraceFileOfAPidFailsWithTheLookupsMessage) {
 
 // ParseFile reads only what the session wrote after the lookup.
 TEST_F(ShareFlowsTest, ParseFileStartsAtTheOffsetOfTheLookup) {
-  WriteFile(udump() / kTrace, Fixture(kTrace).substr(0, Fixture(kTrace).find("=====")));
+  WriteWholeFile(udump() / kTrace, Fixture(kTrace).substr(0, Fixture(kTrace).find("=====")));
   ASSERT_EQ(service_.NfsGetTraceFilePID("4242", 0, &out_, &msg_), 0);
   SessionGoesOn();
   ASSERT_EQ(service_.NfsParseFile(kTrace, 0, 0, 0, &out_, &msg_), 0);
-  const std::string document = ReadFile(work() / kXml);
+  const std::string document = ReadWholeFile(work() / kXml);
   EXPECT_NE(document.find("update emp"), std::string::npos);
   EXPECT_EQ(document.find("2004-05-07"), std::string::npos);  // the header was before the offset
 }
@@ -110,7 +110,7 @@ TEST_F(ShareFlowsTest, StartUpThenStatementDocumentOfWhatFollows) {
   EXPECT_EQ(service_.ZantivGetTraceInfo("update emp", "9.2.0.4.0", &msg_), 0);
   EXPECT_EQ(msg_, "OK");
   // The sorted form carries no SQL text: the update is the one statement with 12 current gets.
-  const std::string document = ReadFile(root() / kXml);
+  const std::string document = ReadWholeFile(root() / kXml);
   EXPECT_EQ(document.find("<STATEMENT>"), document.rfind("<STATEMENT>"));
   EXPECT_NE(
       document.find(R"(<EXEC count="1" cpu="0.02" elapsed="0.00" disk="1" query="7" current="12")"),
