@@ -77,6 +77,9 @@ inline constexpr const char* kLogonFailed =
 inline constexpr const char* kNoTraceDirectory =
     "FTP failed to change to trace directory! Check FTP qualified trace path.";
 
+// Where a method reads its trace: a local file, the share, the FTP server.
+enum Where { kLocal, kShare, kFtp };
+
 class FtpFlowsTest : public FacadeTest {
  protected:
   void SetUp() override {
@@ -94,6 +97,9 @@ class FtpFlowsTest : public FacadeTest {
   static std::string Host() { return Servers().Address("proftpd"); }
   // The test's served directory, on disk and as the account sees it.
   const fs::path& Served() const { return served_; }
+  fs::path Dir(Where where) const {
+    return where == kLocal ? root() : where == kShare ? udump() : served_;
+  }
   std::string Udump() const { return "/" + served_.filename().string(); }
   int Connect(facade::CPelicor& service, const std::string& password = Servers().Password(),
               const std::string& udump = "") {

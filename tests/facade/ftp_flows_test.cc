@@ -42,28 +42,6 @@ TEST_F(FtpFlowsTest, CopiesATraceFileIntoTheWorkingDirectory) {
   EXPECT_EQ(ReadWholeFile(work() / kTrace), AsciiCopy(Fixture(kTrace)));
 }
 
-// Both documents of the streamed trace are those of the local copy, sort options applied.
-TEST_F(FtpFlowsTest, StreamedParseWritesTheDocumentsOfTheLocalFile) {
-  WriteWholeFile(Served() / kTrace, Fixture(kTrace));
-  AddTrace(root());
-  ASSERT_EQ(service_.SetSortOption(0, 1, 0, 1, &msg_), 0);
-  const auto documents = [&] {
-    std::string calls = fs::exists(work() / kXml) ? ReadWholeFile(work() / kXml) : "(none)";
-    std::string aggregated = fs::exists(root() / kXml) ? ReadWholeFile(root() / kXml) : "(none)";
-    fs::remove(work() / kXml);
-    fs::remove(root() / kXml);
-    return calls + "\n--- aggregated:\n" + aggregated;
-  };
-  for (std::uint16_t xml_type = 0; xml_type < 4; ++xml_type) {
-    SCOPED_TRACE(xml_type);
-    ASSERT_EQ(service_.ParseFile(kTrace, 0, 1, xml_type, &out_, &msg_), 0) << msg_;
-    const std::string local = documents();
-    ASSERT_EQ(service_.FtpParseFile(kTrace, 0, 1, xml_type, &out_, &msg_), 0) << msg_;
-    EXPECT_EQ(out_, kXml);
-    EXPECT_EQ(documents(), local);
-  }
-}
-
 // The lookup's size is where the session's new lines start: a later parse reads only those.
 TEST_F(FtpFlowsTest, TraceFileOfAProcessSetsTheStartOffset) {
   const std::string name = "4242_orcl.trc";
@@ -93,6 +71,7 @@ TEST_F(FtpFlowsTest, FailuresNameWhatWentWrongAndReleaseTheSession) {
   const Call copy = [&](auto& s, auto m) { return s.FtpGetTraceFile(kTrace, m); };
   const Call of_pid = [&](auto& s, auto m) { return s.FtpGetTraceFilePID("99", 1, &out_, m); };
   const Call list_pid = [&](auto& s, auto m) { return s.FtpGetTraceFileListPID("99", m); };
+  const Call batch = [&](auto& s, auto m) { return s.FtpParseFileEx("gone.trc", 1, 0, &out_, m); };
   struct Row {
     std::string password, udump;
     Call call;
@@ -105,6 +84,7 @@ TEST_F(FtpFlowsTest, FailuresNameWhatWentWrongAndReleaseTheSession) {
       {good, "/no-such-dir", copy, kNoTraceDirectory},
       {good, "/no-such-dir", list_pid, kNoTraceDirectory},
       {good, "", parse, "FTP failed to open data stream connection!"},
+      {good, "", batch, "FTP failed to open data stream connection!"},
       {good, "", copy, "FTP failed to retrieve file."},
       {good, "", of_pid, "FTP failed to get trace file for the session!"},
   };
@@ -115,6 +95,8 @@ TEST_F(FtpFlowsTest, FailuresNameWhatWentWrongAndReleaseTheSession) {
     ASSERT_EQ(failing.SetWorkingDir(work().c_str(), &msg_), 0);
     EXPECT_EQ(row.call(failing, &msg_), 1);
     EXPECT_EQ(msg_, row.message);
+    EXPECT_EQ(failing.BatchParser(), nullptr);
+    EXPECT_FALSE(failing.HasFtpStream());
     EXPECT_TRUE(FtpIsFree());
   }
   EXPECT_FALSE(fs::exists(work() / kXml));
