@@ -1,4 +1,6 @@
-// The whole-file parses: which documents each xmlType writes and where, in full.
+// What the parse methods answer before they read a line, and the sort options of the
+// aggregated document.
+#include <functional>
 #include <string>
 
 #include "facade_fixture.h"
@@ -8,47 +10,54 @@ namespace {
 
 class ParseFileTest : public FacadeTest {};
 
-// The call-by-call document goes to the working directory, the aggregated one next to the trace
-// name as given (here the current directory).
-TEST_F(ParseFileTest, XmlTypeChoosesTheDocuments) {
+// A name without ".trc" fails every parse method before anything is read or written; a later
+// failure leaves the XML name in place. No FTP settings are stored here.
+TEST_F(ParseFileTest, FailuresBeforeAndAfterTheXmlName) {
+  using Call = std::function<int(facade::CPelicor&, const char*, std::string*)>;
+  const Call parse = [&](auto& s, auto n, auto o) { return s.ParseFile(n, 0, 0, 2, o, &msg_); };
+  const Call nfs = [&](auto& s, auto n, auto o) { return s.NfsParseFile(n, 0, 0, 2, o, &msg_); };
+  const Call ftp = [&](auto& s, auto n, auto o) { return s.FtpParseFile(n, 0, 0, 2, o, &msg_); };
+  const Call parse_ex = [&](auto& s, auto n, auto o) { return s.ParseFileEx(n, 1, 0, o, &msg_); };
+  const Call nfs_ex = [&](auto& s, auto n, auto o) { return s.NfsParseFileEx(n, 1, 0, o, &msg_); };
+  const Call ftp_ex = [&](auto& s, auto n, auto o) { return s.FtpParseFileEx(n, 1, 0, o, &msg_); };
+  const char* no_trc = "Filename does not contain '.trc' !";
+  const char* no_file = "Trace parser failed to open parse file!";
+  const char* no_batch_file = "Trace parser failed to open parse file.";
+  const char* no_ftp = "hostname/username/password/udump, one of them is empty!";
   struct Row {
-    std::uint16_t xml_type;
-    bool calls;
-    bool aggregated;
+    const Call& call;
+    const char* name;
+    const char* out;
+    const char* message;
   };
-  for (const Row row :
-       {Row{0, true, false}, Row{1, false, true}, Row{2, true, true}, Row{3, false, false}}) {
-    SCOPED_TRACE(row.xml_type);
-    AddTrace(root());
-    fs::remove(work() / kXml);
-    fs::remove(root() / kXml);
-    EXPECT_EQ(service_.ParseFile(kTrace, 0, 0, row.xml_type, &out_, &msg_), 0);
-    EXPECT_EQ(msg_, "OK");
-    EXPECT_EQ(out_, kXml);
-    EXPECT_EQ(fs::exists(work() / kXml), row.calls);
-    EXPECT_EQ(fs::exists(root() / kXml), row.aggregated);
-    if (row.calls) {
-      EXPECT_EQ(ReadFile(work() / kXml), Fixture("orcl_ora_4242.calls.xml"));
-    }
-    if (row.aggregated) {
-      EXPECT_EQ(ReadFile(root() / kXml), Fixture("orcl_ora_4242.aggregated.xml"));
-    }
-  }
-}
-
-TEST_F(ParseFileTest, NameWithoutTrcWritesNothing) {
+  const Row rows[] = {
+      {parse, "trace.log", "", no_trc},
+      {nfs, "trace.log", "", no_trc},
+      {ftp, "trace.log", "", no_trc},
+      {parse_ex, "trace.log", "", no_trc},
+      {nfs_ex, "trace.log", "", no_trc},
+      {ftp_ex, "trace.log", "", no_trc},
+      {parse, "gone.trc", "gone.xml", no_file},
+      {nfs, "gone.trc", "gone.xml", no_file},
+      {parse_ex, "gone.trc", "gone.xml", no_batch_file},
+      {nfs_ex, "gone.trc", "gone.xml", no_batch_file},
+      {ftp, kTrace, kXml, no_ftp},
+      {ftp_ex, kTrace, kXml, no_ftp},
+  };
   AddTrace(root(), "trace.log");
-  EXPECT_EQ(service_.ParseFile("trace.log", 0, 0, 2, &out_, &msg_), 1);
-  EXPECT_EQ(msg_, "Filename does not contain '.trc' !");
-  EXPECT_EQ(out_, "");
+  AddTrace(udump(), "trace.log");
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::string(row.name) + " " + row.message);
+    facade::CPelicor fresh;
+    ASSERT_EQ(fresh.SetWorkingDir(work().c_str(), &msg_), 0);
+    ASSERT_EQ(fresh.NfsSetConnectInfo(udump().c_str(), &msg_), 0);
+    std::string out = "stale";
+    EXPECT_EQ(row.call(fresh, row.name, &out), 1);
+    EXPECT_EQ(msg_, row.message);
+    EXPECT_EQ(out, row.out);
+  }
   EXPECT_TRUE(fs::is_empty(work()));
   EXPECT_FALSE(fs::exists(root() / "trace.xml"));
-}
-
-TEST_F(ParseFileTest, MissingFileKeepsTheXmlName) {
-  EXPECT_EQ(service_.ParseFile("gone.trc", 0, 0, 0, &out_, &msg_), 1);
-  EXPECT_EQ(msg_, "Trace parser failed to open parse file!");
-  EXPECT_EQ(out_, "gone.xml");
 }
 
 // Sorted on execute cpu the update (0.02 s) comes before the select (0.00 s); the replaced
@@ -58,24 +67,8 @@ TEST_F(ParseFileTest, AggregatedDocumentFollowsTheLastSortOptions) {
   ASSERT_EQ(service_.SetSortOption(1, 0, 1, 2, &msg_), 0);
   ASSERT_EQ(service_.SetSortOption(0, 1, 0, 1, &msg_), 0);
   ASSERT_EQ(service_.ParseFile(kTrace, 0, 1, 1, &out_, &msg_), 0);
-  const std::string document = ReadFile(root() / kXml);
+  const std::string document = ReadWholeFile(root() / kXml);
   EXPECT_LT(document.find("update emp"), document.find("select ename"));
-}
-
-TEST_F(ParseFileTest, NfsParseFileReadsTheShareInPlace) {
-  AddTrace(udump());
-  EXPECT_EQ(service_.NfsParseFile(kTrace, 0, 0, 0, &out_, &msg_), 0);
-  EXPECT_EQ(msg_, "OK");
-  EXPECT_EQ(ReadFile(work() / kXml), Fixture("orcl_ora_4242.calls.xml"));
-  EXPECT_FALSE(fs::exists(work() / kTrace));  // nothing copied
-}
-
-TEST_F(ParseFileTest, FtpParseFileNamesTheXmlBeforeConnecting) {
-  EXPECT_EQ(service_.FtpParseFile(kTrace, 0, 0, 0, &out_, &msg_), 1);
-  EXPECT_EQ(msg_, "hostname/username/password/udump, one of them is empty!");
-  EXPECT_EQ(out_, kXml);
-  EXPECT_EQ(service_.FtpParseFile("a.log", 0, 0, 0, &out_, &msg_), 1);
-  EXPECT_EQ(msg_, "Filename does not contain '.trc' !");
 }
 
 }  // namespace
