@@ -143,6 +143,27 @@ bool CFtpManager::ReadNextLine(std::string_view* line) {
   return true;
 }
 
+bool CFtpManager::ReadHead(const std::string& name, std::uint64_t max_bytes, std::string* head) {
+  if (data_stream_open_) return false;
+  size_probe_open_ = false;  // opening finishes a data connection left open
+  if (FtpOpenDataConnection(name.c_str(), kFtpActionRetrieve, kFtpTypeBinary, 0) != kFtpOk) {
+    return false;
+  }
+  head->clear();
+  while (head->size() < max_bytes) {
+    const std::uint64_t wanted = max_bytes - head->size();
+    buffer_length_ =
+        wanted < static_cast<std::uint64_t>(kBufferSize) ? static_cast<int>(wanted) : kBufferSize;
+    if (FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_) != kFtpOk) break;
+    head->append(buffer_.data(), static_cast<std::size_t>(buffer_length_));
+  }
+  // 226 when the whole file fitted, 426 when the rest was cut off: neither tells anything
+  // about the session, which goes on with the stream itself.
+  FtpCloseDataConnection();
+  buffer_length_ = kBufferSize;
+  return true;
+}
+
 // The parser closes its source from a destructor, where nothing may be thrown. The data has
 // all arrived by then; a bad final reply is only logged (by the exception's construction).
 void CFtpManager::CloseLines() {
