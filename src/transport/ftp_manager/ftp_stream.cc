@@ -150,17 +150,25 @@ bool CFtpManager::ReadHead(const std::string& name, std::uint64_t max_bytes, std
     return false;
   }
   head->clear();
+  int result = kFtpOk;
   while (head->size() < max_bytes) {
     const std::uint64_t wanted = max_bytes - head->size();
     buffer_length_ =
         wanted < static_cast<std::uint64_t>(kBufferSize) ? static_cast<int>(wanted) : kBufferSize;
-    if (FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_) != kFtpOk) break;
+    result = FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_);
+    if (result != kFtpOk) break;
     head->append(buffer_.data(), static_cast<std::size_t>(buffer_length_));
   }
-  // 226 when the whole file fitted, 426 when the rest was cut off: neither tells anything
-  // about the session, which goes on with the stream itself.
-  FtpCloseDataConnection();
   buffer_length_ = kBufferSize;
+  if (result == kFtpDataClosed) {
+    FtpCloseDataConnection();  // the whole file fitted: its 226
+  } else {
+    // The rest of a large trace is not wanted: ABOR stops the server, where closing the data
+    // connection alone would first read the rest of the file away.
+    FtpAbort();
+    FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_);
+    buffer_length_ = kBufferSize;
+  }
   return true;
 }
 
