@@ -80,6 +80,21 @@ TEST_P(ParseFormsTest, BatchAnswersMoreUntilTheTraceIsRead) {
   EXPECT_TRUE(FtpIsFree());
 }
 
+// Count 0 sets no limit: one call reads the whole trace, writes every statement and is done,
+// whatever the flag asks to leave out.
+TEST_P(ParseFormsTest, BatchWithoutLimitEndsInOneCall) {
+  for (const int flag : {0, 1}) {
+    SCOPED_TRACE(flag);
+    EXPECT_EQ(
+        (service_.*kBatch[GetParam()])(kTrace, 0, static_cast<std::uint16_t>(flag), &out_, &msg_),
+        0);
+    EXPECT_EQ(msg_, "OK");
+    EXPECT_EQ(Portion(), "select ename+update emp+commit");
+    EXPECT_EQ(service_.BatchParser(), nullptr);
+    ExpectStreamsOf(kLocal);
+  }
+}
+
 // ParseFileEx keeps its parser after a failure and goes on with it, writing the unwritten portion
 // with the next one; the share and FTP forms drop parser and transport, and start afresh.
 TEST_P(ParseFormsTest, BatchFailureRules) {
