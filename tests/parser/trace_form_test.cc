@@ -58,7 +58,7 @@ class HeadLineSource : public StringLineSource {
 };
 
 // The head before the offset tells the release; with no banner there, the size of tim does
-// (for the aggregated writers only: the parser's own divisor stays the contract's 100).
+// (for the aggregated writers only: the parser's own divisor stays 100 without a banner).
 TEST(TraceForm, BannerComesFromTheHeadOfATraceParsedFromAnOffset) {
   const std::string header_end = "*** 2004-05-07 11:20:17.632\n";
   const struct {
