@@ -33,8 +33,7 @@ void AddSortOptions(CLI::App& command, SortFlags& sort) {
 void AddParseOptions(CLI::App& command, ParseOptions& parse) {
   command
       .add_option("--offset", parse.offset,
-                  "Parse from byte N on (what a session wrote after that point); the release "
-                  "banner is still read from the start of the file")
+                  "Parse from byte N on; the banner is still read from the file's start")
       ->option_text("N");
   command.add_flag("--merge", parse.merge,
                    "Merge statements with identical SQL text (TKPROF's aggregate=yes)");
