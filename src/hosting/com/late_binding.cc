@@ -43,18 +43,38 @@ bool IsMissing(const VARIANT& value) {
          (V_VT(&value) == VT_ERROR && V_ERROR(&value) == DISP_E_PARAMNOTFOUND);
 }
 
+// A script's variable passed on by reference: the VARIANT it holds.
+VARIANTARG* Dereferenced(VARIANTARG* given) {
+  while (V_VT(given) == (VT_BYREF | VT_VARIANT) && V_VARIANTREF(given) != nullptr) {
+    given = V_VARIANTREF(given);
+  }
+  return given;
+}
+
+// A string argument as a new BSTR, keeping a null BSTR null (VariantCopy may turn it into an
+// empty one, and the session methods tell the two apart).
+HRESULT CopyString(BSTR text, VARIANTARG* converted) {
+  V_VT(converted) = VT_BSTR;
+  V_BSTR(converted) = nullptr;
+  if (text == nullptr) return S_OK;
+  V_BSTR(converted) = SysAllocStringLen(text, SysStringLen(text));
+  return V_BSTR(converted) == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
 // An [in] argument as the parameter's type `type` (VT_BSTR, VT_UI2, VT_UI8) into `converted`.
 HRESULT ConvertIn(VARIANTARG* given, VARTYPE type, LCID locale, VARIANTARG* converted) {
+  given = Dereferenced(given);
+  if (type == VT_BSTR) {
+    if (IsMissing(*given)) return CopyString(nullptr, converted);
+    if (V_VT(given) == VT_BSTR) return CopyString(V_BSTR(given), converted);
+    if (V_VT(given) == (VT_BYREF | VT_BSTR) && V_BSTRREF(given) != nullptr) {
+      return CopyString(*V_BSTRREF(given), converted);
+    }
+  }
   VARIANT plain;
   VariantInit(&plain);
   HRESULT hr = VariantCopyInd(&plain, given);
-  if (FAILED(hr)) return hr;
-  if (type == VT_BSTR && IsMissing(plain)) {
-    V_VT(converted) = VT_BSTR;
-    V_BSTR(converted) = nullptr;
-  } else {
-    hr = VariantChangeTypeEx(converted, &plain, locale, 0, type);
-  }
+  if (SUCCEEDED(hr)) hr = VariantChangeTypeEx(converted, &plain, locale, 0, type);
   VariantClear(&plain);
   return hr;
 }

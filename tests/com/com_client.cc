@@ -1,0 +1,235 @@
+// The COM server as a Windows host uses it, run under Wine after regsvr32:
+//   com_client early FIXTURES SCRATCH FTP_STATE   CoCreateInstance + the IPelicor vtable
+//   com_client late FIXTURES SCRATCH FTP_STATE    the ProgID + IDispatch only
+//   com_client unload DLL                         DllGetClassObject/DllCanUnloadNow directly
+// Paths are Unix paths (Wine's Z: drive). Prints "N passed, N failed"; exit code 1 on failure.
+#include <ole2.h>
+#include <windows.h>
+
+#include <initguid.h>
+
+#include <cstdio>
+#include <string>
+
+#include "checks.h"
+#include "early_caller.h"
+#include "late_caller.h"
+#include "pelicor_idl.h"
+#include "scenario.h"
+
+namespace com_test {
+namespace {
+
+std::string Hex(HRESULT hr) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08lx", static_cast<unsigned long>(hr));
+  return text;
+}
+
+// Null out pointers are refused before any work; the interfaces of the object.
+void EarlyOnly(IPelicor* object, EarlyCaller& caller, Checks& checks) {
+  const std::vector<Arg> parse = {Text("x.trc"), Num(0), Num(0), Num(0)};
+  checks.ExpectEq(caller.CallWithNullOuts("ParseFile", parse, true, false), E_POINTER,
+                  "ParseFile with outputXML null");
+  checks.ExpectEq(caller.CallWithNullOuts("ParseFile", parse, false, true), E_POINTER,
+                  "ParseFile with msg null");
+  checks.ExpectEq(caller.CallWithNullOuts("SetWorkingDir", {Text("x")}, false, true), E_POINTER,
+                  "SetWorkingDir with msg null");
+  IDispatch* dispatch = nullptr;
+  checks.ExpectEq(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch)), S_OK,
+                  "IPelicor answers IDispatch");
+  if (dispatch != nullptr) dispatch->Release();
+}
+
+void ExpectInvokeFails(LateCaller& caller, DISPID id, std::vector<VARIANT> args, HRESULT want,
+                       const std::string& what, Checks& checks) {
+  VARIANT result;
+  VariantInit(&result);
+  UINT bad = 99;
+  const HRESULT hr = caller.InvokeRaw(id, args, &result, &bad);
+  checks.Expect(hr == want, what + ": " + Hex(hr));
+  for (VARIANT& arg : args) {
+    if ((V_VT(&arg) & VT_BYREF) == 0) VariantClear(&arg);
+  }
+  VariantClear(&result);
+}
+
+VARIANT Variant(VARTYPE type) {
+  VARIANT value;
+  VariantInit(&value);
+  V_VT(&value) = type;
+  return value;
+}
+
+// The ids by name, the type information, and what Invoke refuses.
+void LateOnly(IDispatch* object, LateCaller& caller, Checks& checks) {
+  for (const MethodInfo& method : Methods()) {
+    DISPID id = -1;
+    const HRESULT hr = caller.IdOf(method.name, &id);
+    checks.Expect(hr == S_OK && id == method.id,
+                  std::string("GetIDsOfNames ") + method.name + ": " + std::to_string(id));
+  }
+  DISPID unknown = 0;
+  checks.ExpectEq(caller.IdOf("NoSuchMethod", &unknown), DISP_E_UNKNOWNNAME, "unknown name");
+  UINT count = 0;
+  checks.Expect(object->GetTypeInfoCount(&count) == S_OK && count == 1, "GetTypeInfoCount");
+  ITypeInfo* info = nullptr;
+  BSTR name = nullptr;
+  if (object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info) == S_OK && info != nullptr) {
+    info->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr);
+    info->Release();
+  }
+  checks.ExpectEq(Narrow(name, SysStringLen(name)), std::string("IPelicor"), "GetTypeInfo");
+  SysFreeString(name);
+
+  // SetWorkingDir(wDir, msg): id 12.
+  VARIANT msg = Variant(VT_EMPTY);
+  VARIANT msg_ref = Variant(VT_BYREF | VT_VARIANT);
+  V_VARIANTREF(&msg_ref) = &msg;
+  VARIANT text = Variant(VT_BSTR);
+  V_BSTR(&text) = SysAllocString(L"x");
+  LONG wrong = 0;
+  VARIANT wrong_ref = Variant(VT_BYREF | VT_I4);
+  V_I4REF(&wrong_ref) = &wrong;
+  ExpectInvokeFails(caller, 12, {text}, DISP_E_BADPARAMCOUNT, "one argument short", checks);
+  text = Variant(VT_BSTR);
+  V_BSTR(&text) = SysAllocString(L"x");
+  ExpectInvokeFails(caller, 12, {text, wrong_ref}, DISP_E_TYPEMISMATCH, "msg as VT_I4 by ref",
+                    checks);
+  VARIANT minus_one = Variant(VT_I4);
+  V_I4(&minus_one) = -1;
+  ExpectInvokeFails(caller, 4, {minus_one, msg_ref}, DISP_E_OVERFLOW, "listStyle -1", checks);
+  VARIANT letters = Variant(VT_BSTR);
+  V_BSTR(&letters) = SysAllocString(L"abc");
+  ExpectInvokeFails(caller, 4, {letters, msg_ref}, DISP_E_TYPEMISMATCH, "listStyle \"abc\"",
+                    checks);
+  ExpectInvokeFails(caller, 99, {msg_ref}, DISP_E_MEMBERNOTFOUND, "dispatch id 99", checks);
+  VariantClear(&msg);
+
+  // A script's Null or Empty for a string is a missing argument.
+  for (const VARTYPE missing : {VT_NULL, VT_EMPTY}) {
+    VARIANT udump = Variant(VT_BSTR);
+    V_BSTR(&udump) = SysAllocString(L"C:\\");
+    std::vector<VARIANT> args = {udump, Variant(missing), msg_ref};
+    VARIANT result = Variant(VT_EMPTY);
+    UINT bad = 0;
+    const HRESULT hr = caller.InvokeRaw(25, args, &result, &bad);
+    checks.Expect(hr == S_OK && V_VT(&result) == VT_I4 && V_I4(&result) == 1 &&
+                      V_VT(&msg) == VT_BSTR &&
+                      Narrow(V_BSTR(&msg), SysStringLen(V_BSTR(&msg))) == "PID is empty or NULL!",
+                  "NfsValidation with PID of type " + std::to_string(missing));
+    VariantClear(&args[0]);
+    VariantClear(&msg);
+  }
+}
+
+int RunClient(const std::string& mode, const Paths& paths) {
+  Checks checks;
+  if (mode == "early") {
+    IPelicor* object = nullptr;
+    const HRESULT hr = CoCreateInstance(CLSID_CPelicor, nullptr, CLSCTX_INPROC_SERVER, IID_IPelicor,
+                                        reinterpret_cast<void**>(&object));
+    if (!checks.Expect(hr == S_OK && object != nullptr, "CoCreateInstance " + Hex(hr))) {
+      return checks.Report();
+    }
+    EarlyCaller caller(object);
+    RunScenario(caller, paths, checks);
+    EarlyOnly(object, caller, checks);
+    object->Release();
+  } else {
+    CLSID clsid{};
+    checks.Expect(
+        CLSIDFromProgID(L"Pelicor.CPelicor", &clsid) == S_OK && IsEqualCLSID(clsid, CLSID_CPelicor),
+        "ProgID Pelicor.CPelicor");
+    IDispatch* object = nullptr;
+    const HRESULT hr = CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                                        reinterpret_cast<void**>(&object));
+    if (!checks.Expect(hr == S_OK && object != nullptr, "CoCreateInstance " + Hex(hr))) {
+      return checks.Report();
+    }
+    LateCaller caller(object);
+    LateOnly(object, caller, checks);
+    RunScenario(caller, paths, checks);
+    object->Release();
+  }
+  return checks.Report();
+}
+
+// An exported function of `module` as its own type (through void(*)(), which any function
+// pointer may be cast to and from).
+template <typename Function>
+Function Entry(HMODULE module, const char* name) {
+  return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
+}
+
+// The counts behind DllCanUnloadNow: a class object, an object and a server lock each keep the
+// DLL loaded; with all of them gone it may go.
+int RunUnload(const std::string& dll) {
+  Checks checks;
+  HMODULE module = LoadLibraryA(dll.c_str());
+  if (!checks.Expect(module != nullptr, "LoadLibrary " + dll)) return checks.Report();
+  using GetClassObject = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+  using CanUnloadNow = HRESULT(STDAPICALLTYPE*)();
+  const auto get_class_object = Entry<GetClassObject>(module, "DllGetClassObject");
+  const auto can_unload = Entry<CanUnloadNow>(module, "DllCanUnloadNow");
+  for (const char* name : {"DllRegisterServer", "DllUnregisterServer", "DllInstall", "pelicor_new",
+                           "pelicor_ParseFile"}) {
+    checks.Expect(GetProcAddress(module, name) != nullptr, std::string("exports ") + name);
+  }
+  if (!checks.Expect(get_class_object != nullptr && can_unload != nullptr, "entry points")) {
+    return checks.Report();
+  }
+  checks.ExpectEq(can_unload(), S_OK, "nothing made yet");
+  IClassFactory* factory = nullptr;
+  IUnknown* unknown = nullptr;
+  checks.ExpectEq(
+      get_class_object(IID_IPelicor, IID_IClassFactory, reinterpret_cast<void**>(&factory)),
+      CLASS_E_CLASSNOTAVAILABLE, "another class");
+  checks.ExpectEq(
+      get_class_object(CLSID_CPelicor, IID_IClassFactory, reinterpret_cast<void**>(&factory)), S_OK,
+      "DllGetClassObject");
+  if (factory == nullptr) return checks.Report();
+  checks.ExpectEq(can_unload(), S_FALSE, "class object held");
+  checks.ExpectEq(
+      factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&unknown)), S_OK,
+      "CreateInstance");
+  IUnknown* aggregated = nullptr;
+  checks.ExpectEq(
+      factory->CreateInstance(unknown, IID_IUnknown, reinterpret_cast<void**>(&aggregated)),
+      CLASS_E_NOAGGREGATION, "aggregation refused");
+  checks.ExpectEq(factory->LockServer(TRUE), S_OK, "LockServer(TRUE)");
+  factory->Release();
+  checks.ExpectEq(can_unload(), S_FALSE, "object and lock held");
+  if (unknown != nullptr) unknown->Release();
+  checks.ExpectEq(can_unload(), S_FALSE, "lock held");
+  IClassFactory* again = nullptr;
+  get_class_object(CLSID_CPelicor, IID_IClassFactory, reinterpret_cast<void**>(&again));
+  if (again != nullptr) {
+    again->LockServer(FALSE);
+    again->Release();
+  }
+  checks.ExpectEq(can_unload(), S_OK, "everything released");
+  FreeLibrary(module);
+  return checks.Report();
+}
+
+}  // namespace
+}  // namespace com_test
+
+int main(int argc, char** argv) {
+  using namespace com_test;
+  const std::string mode = argc > 1 ? argv[1] : "";
+  if (mode == "unload" && argc == 3) return RunUnload(WindowsPath(argv[2]));
+  if ((mode != "early" && mode != "late") || argc != 5) {
+    std::fprintf(stderr,
+                 "usage: com_client early|late FIXTURES SCRATCH FTP_STATE\n"
+                 "       com_client unload DLL\n");
+    return 2;
+  }
+  if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return 2;
+  const Paths paths{WindowsPath(argv[2]), WindowsPath(argv[3]), WindowsPath(argv[4]),
+                    "com-" + mode};
+  const int exit_code = RunClient(mode, paths);
+  CoUninitialize();
+  return exit_code;
+}
