@@ -2,9 +2,10 @@
 # Runs one step of the COM server tests under Wine, in the prefix that WINEPREFIX names (one per
 # test run: scripts/wine-prefix.sh makes it; Wine creates it on first use otherwise).
 #
-#   com_tests.sh register DLL STATE          export the class keys, then regsvr32 DLL
-#   com_tests.sh unregister DLL STATE        regsvr32 /u DLL; every key must be gone (exports
-#                                            compared); then the same for regsvr32 /n /i:user
+#   com_tests.sh register DLL STATE          regsvr32 DLL, noting the keys it added
+#   com_tests.sh unregister DLL STATE        regsvr32 /u DLL: those keys must be gone; then a
+#                                            register/unregister round trip, machine-wide and
+#                                            per user (/n /i:user), must leave the exports equal
 #   com_tests.sh client EXE early|late FIXTURES DIR FTP_STATE
 #   com_tests.sh client EXE unload DLL       wine EXE ... (DIR made empty first)
 #   com_tests.sh vbscript DLL VBS FIXTURES DIR
@@ -41,40 +42,52 @@ export_classes() {
 
 query() { "$wine" reg query "$1" >/dev/null 2>&1; }
 
+headers() { grep -E '^\[' "$1" | sort -u; }
+
 register() {
   local dll=$1 state=$2
   mkdir -p "$state"
+  # Windows always has it; a fresh Wine prefix gets it only when something writes below it.
+  "$wine" reg add 'HKCU\Software\Classes' /f >/dev/null
   export_classes "$state/before.reg"
   "$wine" "$(system_dir "$dll")\\regsvr32.exe" /s "$(winpath "$dll")" ||
     die "regsvr32 $dll failed ($?)"
-  query 'HKLM\Software\Classes\Pelicor.CPelicor\CLSID' || die "no ProgID after regsvr32"
-  echo "registered $dll"
+  export_classes "$state/registered.reg"
+  comm -13 <(headers "$state/before.reg") <(headers "$state/registered.reg") >"$state/added"
+  grep -qF 'Pelicor.CPelicor]' "$state/added" || die "no ProgID after regsvr32"
+  echo "registered $dll: $(wc -l <"$state/added") keys"
 }
 
-same_as_before() {
-  local state=$1 what=$2
-  export_classes "$state/after.reg"
-  if ! diff -u "$state/before.reg" "$state/after.reg" >"$state/left.diff"; then
-    cat "$state/left.diff"
-    die "$what left keys behind (above)"
+# Registers with ARGS and unregisters again with nothing else running in between: the registry
+# must be exactly as before. CHECK (a key) must exist while registered.
+round_trip() {
+  local dll=$1 state=$2 check=$3 tools
+  shift 3
+  tools=$(system_dir "$dll")
+  export_classes "$state/round.before.reg"
+  "$wine" "$tools\\regsvr32.exe" /s "$@" "$(winpath "$dll")" || die "regsvr32 $* failed ($?)"
+  query "$check" || die "regsvr32 $* did not write $check"
+  "$wine" "$tools\\regsvr32.exe" /s /u "$@" "$(winpath "$dll")" || die "regsvr32 /u $* failed"
+  export_classes "$state/round.after.reg"
+  if ! diff -u "$state/round.before.reg" "$state/round.after.reg"; then
+    die "regsvr32 /u $* left the registry changed (above)"
   fi
 }
 
 unregister() {
-  local dll=$1 state=$2 tools
-  tools=$(system_dir "$dll")
-  "$wine" "$tools\\regsvr32.exe" /s /u "$(winpath "$dll")" || die "regsvr32 /u failed ($?)"
-  same_as_before "$state" "regsvr32 /u"
-  # Per user: the keys go to HKCU, HKLM stays untouched, and unregistering removes them again.
-  # (Wine does not merge HKCU\Software\Classes into HKEY_CLASSES_ROOT, so no object can be
-  # created from this registration here; Windows does.)
-  "$wine" "$tools\\regsvr32.exe" /s /n /i:user "$(winpath "$dll")" ||
-    die "regsvr32 /n /i:user failed ($?)"
-  query 'HKCU\Software\Classes\Pelicor.CPelicor\CLSID' || die "no per-user ProgID"
-  query 'HKLM\Software\Classes\Pelicor.CPelicor' && die "per-user registration wrote HKLM"
-  "$wine" "$tools\\regsvr32.exe" /s /u /n /i:user "$(winpath "$dll")" ||
-    die "regsvr32 /u /n /i:user failed ($?)"
-  same_as_before "$state" "regsvr32 /u /n /i:user"
+  local dll=$1 state=$2
+  "$wine" "$(system_dir "$dll")\\regsvr32.exe" /s /u "$(winpath "$dll")" ||
+    die "regsvr32 /u failed ($?)"
+  # The hosts run in between may have registered their own things (cscript does on first use),
+  # so here only the keys regsvr32 added must be gone.
+  export_classes "$state/after.reg"
+  local left
+  left=$(comm -12 "$state/added" <(headers "$state/after.reg"))
+  [ -z "$left" ] || die "regsvr32 /u left: $left"
+  round_trip "$dll" "$state" 'HKLM\Software\Classes\Pelicor.CPelicor\CLSID'
+  # Per user: HKCU only. (Wine does not merge HKCU\Software\Classes into HKEY_CLASSES_ROOT, so
+  # no object can be created from this registration here; Windows does.)
+  round_trip "$dll" "$state" 'HKCU\Software\Classes\Pelicor.CPelicor\CLSID' /n /i:user
   echo "unregistered: no keys left"
 }
 

@@ -30,6 +30,8 @@ class RegKey {
     if (key_ != nullptr) RegCloseKey(key_);
   }
   HKEY get() const { return key_; }
+  // For the out parameter of RegOpenKeyEx; the key must not be open yet.
+  HKEY& handle() { return key_; }
 
   // Creates (or opens) `path` below `parent`.
   LSTATUS Create(HKEY parent, const std::wstring& path) {
@@ -95,6 +97,20 @@ LSTATUS WriteClassKeys(HKEY classes, const std::wstring& dll_path) {
   return ERROR_SUCCESS;
 }
 
+// Removes `path` below `classes` when it holds nothing: a per-user CLSID key that only our
+// registration created (HKLM's always holds other classes).
+void DeleteIfEmpty(HKEY classes, const wchar_t* path) {
+  RegKey key;
+  if (RegOpenKeyExW(classes, path, 0, KEY_READ, &key.handle()) != ERROR_SUCCESS) return;
+  DWORD subkeys = 1;
+  DWORD values = 1;
+  if (RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, &values,
+                       nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS &&
+      subkeys == 0 && values == 0) {
+    RegDeleteKeyW(classes, path);
+  }
+}
+
 LSTATUS DeleteClassKeys(HKEY classes) {
   const std::wstring trees[] = {L"CLSID\\" + GuidText(CLSID_CPelicor), kProgId, kIndependentProgId};
   LSTATUS result = ERROR_SUCCESS;
@@ -102,6 +118,7 @@ LSTATUS DeleteClassKeys(HKEY classes) {
     const LSTATUS status = RegDeleteTreeW(classes, tree.c_str());
     if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) result = status;
   }
+  DeleteIfEmpty(classes, L"CLSID");
   return result;
 }
 
