@@ -134,16 +134,17 @@ HRESULT RegisterTypeLibrary(RegistryScope scope, const std::wstring& dll_path) {
 }
 
 HRESULT UnregisterTypeLibrary(RegistryScope scope) {
-  const SYSKIND kind = sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32;
-  const HRESULT hr = scope == RegistryScope::kMachine
-                         ? UnRegisterTypeLib(LIBID_PelicorLib, 1, 0, LANG_NEUTRAL, kind)
-                         : UnRegisterTypeLibForUser(LIBID_PelicorLib, 1, 0, LANG_NEUTRAL, kind);
-  // Not registered (any more) is what unregistering wants.
-  if (hr == TYPE_E_REGISTRYACCESS || hr == TYPE_E_CANTLOADLIBRARY ||
-      hr == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)) {
+  // Not registered (any more) is what unregistering wants; the unregister functions would call
+  // it an error, each system with its own code.
+  BSTR registered_path = nullptr;
+  if (FAILED(QueryPathOfRegTypeLib(LIBID_PelicorLib, 1, 0, LANG_NEUTRAL, &registered_path))) {
     return S_OK;
   }
-  return hr;
+  SysFreeString(registered_path);
+  const SYSKIND kind = sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32;
+  return scope == RegistryScope::kMachine
+             ? UnRegisterTypeLib(LIBID_PelicorLib, 1, 0, LANG_NEUTRAL, kind)
+             : UnRegisterTypeLibForUser(LIBID_PelicorLib, 1, 0, LANG_NEUTRAL, kind);
 }
 
 LSTATUS OpenClasses(RegistryScope scope, RegKey* classes) {
