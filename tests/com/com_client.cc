@@ -89,6 +89,43 @@ VARIANT Variant(VARTYPE type) {
   return value;
 }
 
+// Name and help string of `member` (MEMBERID_NIL: the type itself) as "name: help".
+std::string Documented(ITypeInfo* info, MEMBERID member) {
+  BSTR name = nullptr;
+  BSTR help = nullptr;
+  info->GetDocumentation(member, &name, &help, nullptr, nullptr);
+  const std::string text =
+      Narrow(name, SysStringLen(name)) + ": " + Narrow(help, SysStringLen(help));
+  SysFreeString(name);
+  SysFreeString(help);
+  return text;
+}
+
+// What object browsers and the host's tools show of the type library.
+void TypeLibraryTexts(ITypeInfo* info, Checks& checks) {
+  checks.ExpectEq(Documented(info, MEMBERID_NIL), std::string("IPelicor: IPelicor Interface"),
+                  "the interface's help string");
+  for (const MethodInfo& method : Methods()) {
+    const std::string name = method.name;
+    const std::string shown = name == "FtpGetTraceFile"   ? "FtpGetTraceFileContent"
+                              : name == "NfsGetTraceFile" ? "NfsGetTraceFileContent"
+                                                          : name;
+    checks.ExpectEq(Documented(info, method.id), name + ": method " + shown,
+                    "help string of " + name);
+  }
+  ITypeLib* library = nullptr;
+  UINT index = 0;
+  ITypeInfo* coclass = nullptr;
+  if (SUCCEEDED(info->GetContainingTypeLib(&library, &index))) {
+    library->GetTypeInfoOfGuid(CLSID_CPelicor, &coclass);
+    library->Release();
+  }
+  checks.Expect(
+      coclass != nullptr && Documented(coclass, MEMBERID_NIL) == "CPelicor: Pelicor Class",
+      "the class's help string");
+  if (coclass != nullptr) coclass->Release();
+}
+
 // The ids by name, the type information, and what Invoke refuses.
 void LateOnly(IDispatch* object, LateCaller& caller, Checks& checks) {
   for (const MethodInfo& method : Methods()) {
@@ -102,13 +139,11 @@ void LateOnly(IDispatch* object, LateCaller& caller, Checks& checks) {
   UINT count = 0;
   checks.Expect(object->GetTypeInfoCount(&count) == S_OK && count == 1, "GetTypeInfoCount");
   ITypeInfo* info = nullptr;
-  BSTR name = nullptr;
-  if (object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info) == S_OK && info != nullptr) {
-    info->GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr);
+  if (checks.Expect(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info) == S_OK && info != nullptr,
+                    "GetTypeInfo")) {
+    TypeLibraryTexts(info, checks);
     info->Release();
   }
-  checks.ExpectEq(Narrow(name, SysStringLen(name)), std::string("IPelicor"), "GetTypeInfo");
-  SysFreeString(name);
 
   // SetWorkingDir(wDir, msg): id 12.
   VARIANT msg = Variant(VT_EMPTY);
