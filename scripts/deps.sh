@@ -6,6 +6,9 @@ kind=${1:-test}
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
 if [ "$kind" = test ]; then
   packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl)
+  # The Windows build with its COM server (widl takes the base IDL files from libwine-dev and
+  # stdole2.tlb from wine64) and its tests under Wine.
+  packages+=(mingw-w64 mingw-w64-tools libwine-dev wine wine64)
 fi
 missing=()
 for p in "${packages[@]}"; do

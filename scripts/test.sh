@@ -10,3 +10,5 @@ cmake --build --preset dev -j "$jobs"
 # The fuzz targets first, so that the test runner's summary is the last thing printed.
 scripts/fuzz.sh "${PELICOR_FUZZ_SECONDS:-30}"
 ctest --preset dev -j "$jobs"
+# The Windows COM server under Wine (x86_64, and i686 where wine32 is installed).
+scripts/com-test.sh
