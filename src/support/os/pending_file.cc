@@ -16,6 +16,7 @@
 #endif
 
 #include "support/os/system_error_text.h"
+#include "support/os/termination.h"
 
 namespace os {
 
@@ -153,6 +154,7 @@ bool PendingFile::Create(const std::string& target, std::string* error) {
       if (handle_ == kNoFile && errno != EEXIST) break;
     }
     pending_ = handle_ != kNoFile;
+    if (pending_) RemoveOnTermination(path_);  // an interrupted command leaves no half file
   }
   if (handle_ == kNoFile) {
     *error = LastFileErrorText();
@@ -191,12 +193,16 @@ bool PendingFile::Commit(std::string* error) {
     return false;
   }
   pending_ = false;
+  ForgetOnTermination(path_);
   return true;
 }
 
 void PendingFile::Discard() {
   if (handle_ != kNoFile) CloseFile(ReleaseHandle());
-  if (pending_) std::remove(path_.c_str());
+  if (pending_) {
+    std::remove(path_.c_str());
+    ForgetOnTermination(path_);
+  }
   pending_ = false;
 }
 
