@@ -14,6 +14,7 @@
 #include "cli/progress.h"
 #include "cli/scratch_dir.h"
 #include "cli/trace_jobs.h"
+#include "support/exceptions.h"
 #include "support/os/pending_file.h"
 #include "transport/ftp_manager/ftp_manager.h"
 
@@ -161,7 +162,16 @@ void RunGet(const FileArgs& args) {
   os::CloseFile(local.ReleaseHandle());  // the transfer writes it by name
   manager->OpenDataStream(args.name, 0);
   ProgressMeter progress("fetching " + args.name, manager->GetFileSize(args.name));
-  manager->SaveDataStream(local.path(), [&progress](std::uint64_t done) { progress.Update(done); });
+  try {
+    manager->SaveDataStream(local.path(),
+                            [&progress](std::uint64_t done) { progress.Update(done); });
+  } catch (const exceptions::ExceptionBase& failure) {
+    // The user knows the file by the name asked for, not by the temporary one.
+    std::string message = failure.Message();
+    const std::size_t at = message.find(local.path());
+    if (at != std::string::npos) message.replace(at, local.path().size(), target);
+    throw std::runtime_error(message);
+  }
   manager->CloseDataStream();
   if (!local.Commit(&error)) throw std::runtime_error("cannot write " + target + ": " + error);
   manager->Close();
