@@ -55,6 +55,35 @@ TEST(XmlEscape, MakesAnyBytesWellFormed) {
   EXPECT_EQ(support::XmlEscaped(std::string("x\0y", 3)), "x\xEF\xBF\xBDy");
 }
 
+// Long texts are scanned in blocks: a byte that needs work is found wherever it stands.
+TEST(XmlEscape, FindsWhatNeedsWorkAtEveryPositionOfALongText) {
+  const struct {
+    support::XmlPlace place;
+    std::string in;
+    std::string out;
+  } cases[] = {
+      {support::XmlPlace::kAttribute, "&", "&amp;"},
+      {support::XmlPlace::kAttribute, "\"", "&quot;"},
+      {support::XmlPlace::kAttribute, ">", "&gt;"},
+      {support::XmlPlace::kAttribute, "\x1f", "\xEF\xBF\xBD"},
+      {support::XmlPlace::kAttribute, "\n\t\r\x7f]", "\n\t\r\x7f]"},
+      {support::XmlPlace::kCdata, "\xE9", "\xC3\xA9"},
+      {support::XmlPlace::kCdata, "\xC3\xA9<&", "\xC3\xA9<&"},
+      {support::XmlPlace::kCdata, std::string(1, '\0'), "\xEF\xBF\xBD"},
+      {support::XmlPlace::kCdata, "]]>", "]]]]><![CDATA[>"},
+  };
+  for (const auto& c : cases) {
+    for (std::size_t at = 0; at <= 40; ++at) {
+      const std::string before(at, 'a');
+      const std::string after(40 - at, 'b');
+      std::string out;
+      support::WriteXmlText(before + c.in + after, c.place,
+                            [&out](std::string_view piece) { out.append(piece); });
+      EXPECT_EQ(out, before + c.out + after) << at;
+    }
+  }
+}
+
 TEST(XmlEscape, CdataSplitsItsEndMarkerAndKeepsEntities) {
   const Case cases[] = {
       {"a < b & \"c\"", "a < b & \"c\""},
