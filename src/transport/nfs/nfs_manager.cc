@@ -72,7 +72,7 @@ namespace {
 
 struct Choice {
   std::size_t chosen = 0;  // the session's file
-  std::size_t paired = 0;  // the entry whose size the contract's lookup answers with
+  std::size_t paired = 0;  // the entry whose size GetTraceFileNameFromPID answers with
 };
 
 // Picks the session's file among `entries`. One candidate is taken as it is; of several, the
