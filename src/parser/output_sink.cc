@@ -82,17 +82,20 @@ void OutputSink::Deliver(std::string_view bytes) {
   }
 }
 
+// Translated into one block first: the file is written without a C stream's buffer, and a
+// write per line would cost a system call each.
 void OutputSink::DeliverCrLf(std::string_view bytes) {
+  translated_.clear();
   for (std::size_t pos = 0; pos < bytes.size();) {
     const std::size_t lf = bytes.find('\n', pos);
     if (lf == std::string_view::npos) {
-      Deliver(bytes.substr(pos));
-      return;
+      translated_.append(bytes.substr(pos));
+      break;
     }
-    Deliver(bytes.substr(pos, lf - pos));
-    Deliver("\r\n");
+    translated_.append(bytes.substr(pos, lf - pos)).append("\r\n");
     pos = lf + 1;
   }
+  Deliver(translated_);
 }
 
 void OutputSink::WriteInt(std::int64_t value, std::size_t width) {

@@ -106,6 +106,7 @@ class OutputSink {
 
   std::unique_ptr<char[]> buffer_;
   std::size_t used_ = 0;
+  std::string translated_;  // a block with "\r\n" line ends, reused
   os::PendingFile file_;
   std::ostream* stream_ = nullptr;
   LineEnds line_ends_ = LineEnds::kAsWritten;
