@@ -16,6 +16,10 @@ bool StreamProgress::ReadNextLine(std::string_view* line) {
   return true;
 }
 
+bool StreamProgress::ReadHead(const std::string& name, std::uint64_t max_bytes, std::string* head) {
+  return stream_.ReadHead(name, max_bytes, head);
+}
+
 void StreamProgress::CloseLines() {
   meter_.reset();
   stream_.CloseLines();

@@ -22,6 +22,7 @@ class StreamProgress : public parser::LineSource {
   bool OpenLines(const std::string& name, std::uint64_t offset) override;
   bool ReadNextLine(std::string_view* line) override;
   void CloseLines() override;
+  bool ReadHead(const std::string& name, std::uint64_t max_bytes, std::string* head) override;
 
  private:
   parser::LineSource& stream_;

@@ -33,13 +33,22 @@ void AddSortOptions(CLI::App& command, SortFlags& sort) {
       ->capture_default_str();
 }
 
+void AddParseOptions(CLI::App& command, ParseOptions& parse) {
+  command
+      .add_option("--offset", parse.offset,
+                  "Parse from byte N on; the banner is still read from the file's start")
+      ->option_text("N");
+  command.add_flag("--merge", parse.merge,
+                   "Merge statements with identical SQL text (TKPROF's aggregate=yes)");
+}
+
 // Keeps the sort options alive as long as the parser that points at them.
 struct ParseSetup {
   std::optional<parser::SortOptions> sort;
   parser::CTraceParser parser;
 
-  explicit ParseSetup(const SortFlags& flags)
-      : sort(ToSortOptions(flags)), parser(sort ? &*sort : nullptr, false) {}
+  ParseSetup(const SortFlags& flags, const ParseOptions& parse)
+      : sort(ToSortOptions(flags)), parser(sort ? &*sort : nullptr, parse.merge) {}
 };
 
 std::uint64_t FileSize(const std::string& path) {
@@ -56,46 +65,22 @@ std::uint8_t ParseFlags(const XmlJob& job) {
   return flags;
 }
 
-// Reads a whole trace into the parser. Flags 0 take the whole-input form; other flags the
-// batch form, the one that takes them, with no statement limit.
+// Reads a whole trace into the parser, with the flags that leave lines out.
 using ParseInput = std::function<void(parser::CTraceParser& parser, std::uint8_t flags)>;
 
-// A local file, with progress on a terminal.
-void ParseFile(parser::CTraceParser& parser, const std::string& trace, std::uint8_t flags) {
+// A local file from `offset`, with progress on a terminal.
+void ParseFile(parser::CTraceParser& parser, const std::string& trace, std::uint64_t offset,
+               std::uint8_t flags) {
   ProgressMeter progress("parsing " + trace, FileSize(trace));
   parser.SetProgressCallback([&progress](std::uint64_t done) { progress.Update(done); });
-  if (flags == 0) {
-    parser.Parse(trace, 0);
-  } else {
-    // The batch form is the one that takes the skip flags; limit 0 reads the file to its end.
-    parser.ParseBatch(trace, 0, flags);
-    parser.CloseAll();
-  }
+  parser.ParseFrom(trace, offset, flags);
   parser.SetProgressCallback(nullptr);
 }
 
-// Closes a stream the batch form leaves open, also when parsing fails.
-class StreamCloser {
- public:
-  explicit StreamCloser(parser::LineSource& source) : source_(source) {}
-  ~StreamCloser() { source_.CloseLines(); }
-  StreamCloser(const StreamCloser&) = delete;
-  StreamCloser& operator=(const StreamCloser&) = delete;
-
- private:
-  parser::LineSource& source_;
-};
-
-void ParseStream(parser::CTraceParser& parser, const TraceStream& trace, std::uint8_t flags) {
+void ParseStream(parser::CTraceParser& parser, const TraceStream& trace, std::uint64_t offset,
+                 std::uint8_t flags) {
   StreamProgress source(*trace.source, trace.size);
-  if (flags == 0) {
-    parser.ParseStream(source, trace.name, 0);
-    return;
-  }
-  if (!source.OpenLines(trace.name, 0)) throw std::runtime_error("cannot open " + trace.name);
-  const StreamCloser closer(source);
-  parser.ParseStreamBatch(source, trace.name, 0, flags);
-  parser.CloseAll();
+  parser.ParseStreamFrom(source, trace.name, offset, flags);
 }
 
 void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) {
@@ -139,6 +124,7 @@ XmlKind XmlJob::Kind() const {
 
 void AddReportOptions(CLI::App& command, ReportJob& job) {
   AddSortOptions(command, job.sort);
+  AddParseOptions(command, job.parse);
 }
 
 void AddXmlOptions(CLI::App& command, XmlJob& job) {
@@ -152,6 +138,7 @@ void AddXmlOptions(CLI::App& command, XmlJob& job) {
   calls->excludes(aggregate)->excludes(statement);
   aggregate->excludes(statement);
   AddSortOptions(command, job.sort);
+  AddParseOptions(command, job.parse);
   command.add_flag("--skip-waits", job.skip_waits, "Leave out WAIT lines (call document)");
   command.add_flag("--skip-binds", job.skip_binds, "Leave out BINDS blocks (call document)");
   command.add_flag("--top-level", job.top_level, "Only statements of depth 0 (call document)");
@@ -172,7 +159,7 @@ void Doing(const std::string& what, Step&& step) {
 }
 
 void Report(const std::string& trace, const ParseInput& parse, const ReportJob& job) {
-  ParseSetup setup(job.sort);
+  ParseSetup setup(job.sort, job.parse);
   Doing("parsing " + trace, [&] { parse(setup.parser, 0); });
   Doing("writing the report of " + trace, [&] {
     setup.parser.SortClosedStatements();
@@ -183,7 +170,7 @@ void Report(const std::string& trace, const ParseInput& parse, const ReportJob& 
 
 // `trace` names the trace: the aggregated documents are named after it.
 void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
-  ParseSetup setup(job.sort);
+  ParseSetup setup(job.sort, job.parse);
   if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
   Doing("parsing " + trace,
         [&] { parse(setup.parser, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0); });
@@ -217,34 +204,34 @@ void ExplainOpenFailure(const std::string& trace, const std::function<void()>& p
   }
 }
 
-ParseInput FileInput(const std::string& trace) {
-  return [&trace](parser::CTraceParser& parser, std::uint8_t flags) {
-    ExplainOpenFailure(trace, [&] { ParseFile(parser, trace, flags); });
+ParseInput FileInput(const std::string& trace, std::uint64_t offset) {
+  return [&trace, offset](parser::CTraceParser& parser, std::uint8_t flags) {
+    ExplainOpenFailure(trace, [&] { ParseFile(parser, trace, offset, flags); });
   };
 }
 
-ParseInput StreamInput(const TraceStream& trace) {
-  return [&trace](parser::CTraceParser& parser, std::uint8_t flags) {
-    ParseStream(parser, trace, flags);
+ParseInput StreamInput(const TraceStream& trace, std::uint64_t offset) {
+  return [&trace, offset](parser::CTraceParser& parser, std::uint8_t flags) {
+    ParseStream(parser, trace, offset, flags);
   };
 }
 
 }  // namespace
 
 void RunReport(const std::string& trace, const ReportJob& job) {
-  Report(trace, FileInput(trace), job);
+  Report(trace, FileInput(trace, job.parse.offset), job);
 }
 
 void RunReport(const TraceStream& trace, const ReportJob& job) {
-  Report(trace.name, StreamInput(trace), job);
+  Report(trace.name, StreamInput(trace, job.parse.offset), job);
 }
 
 void RunXml(const std::string& trace, const XmlJob& job) {
-  Xml(trace, FileInput(trace), job);
+  Xml(trace, FileInput(trace, job.parse.offset), job);
 }
 
 void RunXml(const TraceStream& trace, const XmlJob& job) {
-  Xml(trace.name, StreamInput(trace), job);
+  Xml(trace.name, StreamInput(trace, job.parse.offset), job);
 }
 
 }  // namespace cli

@@ -14,14 +14,23 @@
 
 namespace cli {
 
+// What every parse of the command takes: where reading starts (the head of the file is still
+// read for its banner) and TKPROF's aggregate=yes.
+struct ParseOptions {
+  std::uint64_t offset = 0;
+  bool merge = false;
+};
+
 struct ReportJob {
   SortFlags sort;
+  ParseOptions parse;
 };
 
 enum class XmlKind { kCalls, kAggregate, kStatement };
 
 struct XmlJob {
   SortFlags sort;
+  ParseOptions parse;
   bool aggregate = false;
   std::string statement;  // non-empty: the sorted document of the statement holding this text
   bool skip_waits = false;
@@ -36,8 +45,8 @@ struct XmlJob {
 void AddReportOptions(CLI::App& command, ReportJob& job);
 void AddXmlOptions(CLI::App& command, XmlJob& job);
 
-// A trace read through a transport: the job opens `source` on `name` from its start, reads it
-// to the end and closes it.
+// A trace read through a transport: the job opens `source` on `name` from the job's offset,
+// reads it to the end and closes it.
 struct TraceStream {
   parser::LineSource* source = nullptr;
   std::string name;

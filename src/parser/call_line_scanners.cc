@@ -71,7 +71,8 @@ bool ScanXctendTime(std::string_view line, std::int64_t* tim) {
 void ScanCursorLine(std::string_view line, ParseInCursorRecord* record) {
   std::string_view ad;
   FieldScanner scan(line);
-  record->cursor_known = scan.Literal("PARSING IN CURSOR #").Cursor(&record->cursor).ok();
+  record->cursor_known =
+      scan.Literal("PARSING IN CURSOR #").Cursor(&record->cursor, &record->cursor_negative).ok();
   const bool has_ad = scan.Literal(" len=")
                           .Int32(&record->len)
                           .Literal(" dep=")
@@ -96,7 +97,8 @@ void ScanCursorLine(std::string_view line, ParseInCursorRecord* record) {
 // PARSE ERROR #3:len=17 dep=0 uid=5 oct=3 lid=5 tim=1083929217633781 err=942
 void ScanParseErrorLine(std::string_view line, ParseErrorRecord* record) {
   FieldScanner scan(line);
-  record->cursor_known = scan.Literal("PARSE ERROR #").Cursor(&record->cursor).ok();
+  record->cursor_known =
+      scan.Literal("PARSE ERROR #").Cursor(&record->cursor, &record->cursor_negative).ok();
   scan.Literal(":len=")
       .Int32(&record->len)
       .Literal(" dep=")

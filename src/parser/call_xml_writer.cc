@@ -9,11 +9,13 @@ namespace parser {
 namespace {
 
 // A cursor that its line did not supply still holds kNoCursor, which prints as the -1 it
-// stands for; every other cursor number prints in full, 18446744073709551615 read from a line
-// included.
-void WriteCursor(OutputSink& out, CursorNo cursor, bool known) {
+// stands for; a negative one ("#-5") prints with its sign; every other cursor number prints in
+// full, 18446744073709551615 read from a line included.
+void WriteCursor(OutputSink& out, CursorNo cursor, bool known, bool negative) {
   if (cursor == kNoCursor && !known) {
     out.Write("-1");
+  } else if (negative) {
+    out.WriteInt(static_cast<std::int64_t>(cursor));
   } else {
     out.WriteUnsigned(cursor);
   }
@@ -137,7 +139,7 @@ void WriteWait(OutputSink& out, const WaitRecord& wait) {
 
 void WriteHeader(OutputSink& out, const ParseInCursorRecord& header) {
   out.Write("<PARSEINCURSOR cursor=\"");
-  WriteCursor(out, header.cursor, header.cursor_known);
+  WriteCursor(out, header.cursor, header.cursor_known, header.cursor_negative);
   out.Write("\" len=\"");
   out.WriteInt(header.len);
   out.Write("\" dep=\"");
@@ -187,7 +189,7 @@ void WriteSection(OutputSink& out, const std::vector<Record>& records, std::stri
 void WriteStatement(OutputSink& out, const TraceStatement& statement,
                     const DocumentContext& context) {
   out.Write("<STATEMENT>\n<CURSORNO cursor=\"");
-  WriteCursor(out, statement.cursor, statement.cursor_known);
+  WriteCursor(out, statement.cursor, statement.cursor_known, statement.cursor_negative);
   out.Write("\"></CURSORNO>\n<SQL>");
   if (statement.is_parse_error) {
     out.WriteCdata(statement.parse_error.text);

@@ -66,11 +66,23 @@ class FieldScanner {
     if (ok_ && Decimal(true, &digits)) *value = Clamp64(digits);
     return *this;
   }
-  // A cursor number: unsigned decimal up to 2^64-1 (larger values stay at 2^64-1); a sign
-  // stops the scan, since cursor numbers and addresses are never negative.
-  FieldScanner& Cursor(CursorNo* value) {
+  // A cursor number: unsigned decimal up to 2^64-1 (larger values stay at 2^64-1), since
+  // 11.2.0.2 and later write addresses ("#140736410372616"). A sign is taken as %d takes it:
+  // "#+1" reads 1, and "#-1" the 32-bit value %d gives, widened with its sign; *negative
+  // (when given) then says that the number is below 0, so that it prints as the line had it.
+  FieldScanner& Cursor(CursorNo* value, bool* negative = nullptr) {
     Digits digits;
-    if (ok_ && Decimal(false, &digits)) *value = digits.overflow ? ~CursorNo{0} : digits.magnitude;
+    if (!ok_ || !Decimal(true, &digits)) return *this;
+    bool below_zero = false;
+    if (!digits.negative) {
+      *value = digits.overflow ? ~CursorNo{0} : digits.magnitude;
+    } else {
+      const auto low = static_cast<std::int32_t>(
+          static_cast<std::uint32_t>(static_cast<std::uint64_t>(Clamp64(digits))));
+      *value = static_cast<CursorNo>(static_cast<std::int64_t>(low));
+      below_zero = low < 0;
+    }
+    if (negative != nullptr) *negative = below_zero;
     return *this;
   }
   // %s: the view points into the scanned text.

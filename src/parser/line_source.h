@@ -18,6 +18,15 @@ class LineSource {
   // valid until the next call.
   virtual bool ReadNextLine(std::string_view* line) = 0;
   virtual void CloseLines() = 0;
+  // Up to `max_bytes` from the start of `name` into *head, for a parse that opens the lines
+  // past the trace's header: the release banner there says how the rest is read. Asked before
+  // OpenLines. False when the source cannot read them; the parse then goes on without. The
+  // database-side reader, which reads the file from its start in any case, can hand out the
+  // lines it passes on its way to the offset.
+  virtual bool ReadHead(const std::string& /*name*/, std::uint64_t /*max_bytes*/,
+                        std::string* /*head*/) {
+    return false;
+  }
 };
 
 }  // namespace parser

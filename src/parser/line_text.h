@@ -55,6 +55,11 @@ inline bool IsEndOfStatement(std::string_view line) {
 // the trace goes on from an earlier file (*** TRACE DUMP CONTINUED FROM FILE ... ***).
 bool IsSizeLimitLine(std::string_view line);
 
+// Oracle's own size-limit line and nothing else, for traces of 10g and later, whose header
+// lines hold "file" innocently ("*** MODULE NAME:(ProfileService) ..."):
+//   *** DUMP FILE SIZE IS LIMITED TO 5242880 BYTES ***
+bool IsDumpSizeLimitLine(std::string_view line);
+
 }  // namespace parser
 
 #endif  // PELICOR_PARSER_LINE_TEXT_H_

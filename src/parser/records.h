@@ -52,7 +52,8 @@ struct ParseInCursorRecord {
   std::int64_t hv = 0;
   std::string ad;
   std::string text;
-  bool cursor_known = false;  // set by the scanner when the line supplied the cursor number
+  bool cursor_known = false;     // set by the scanner when the line supplied the cursor number
+  bool cursor_negative = false;  // the line's cursor number was below 0 ("#-1")
 };
 
 // PARSE ERROR #3:len=17 dep=0 uid=5 oct=3 lid=5 tim=1083929217633781 err=942
@@ -68,6 +69,7 @@ struct ParseErrorRecord {
   std::int64_t err = 0;
   std::string text;
   bool cursor_known = false;
+  bool cursor_negative = false;
 };
 
 // One bind of a BINDS block (8i/9i layout):

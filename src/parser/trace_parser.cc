@@ -50,7 +50,7 @@ CTraceParser::CTraceParser(std::string name, std::string_view version_text)
 }
 
 CTraceParser::CTraceParser(const SortOptions* sort_options, bool aggregated)
-    : sort_options_(sort_options), aggregated_(aggregated) {}
+    : merge_identical_sql_(aggregated), sort_options_(sort_options) {}
 
 CTraceParser::~CTraceParser() = default;
 
@@ -86,6 +86,11 @@ void CTraceParser::SetFlags(std::uint8_t flags) {
 // --- Parse forms ----------------------------------------------------------------------------
 
 void CTraceParser::Parse(const std::string& file_name, std::uint64_t offset) {
+  ParseFrom(file_name, offset, 0);
+}
+
+void CTraceParser::ParseFrom(const std::string& file_name, std::uint64_t offset,
+                             std::uint8_t flags) {
   trace_file_name_ = file_name;
   file_ = TraceFileReader::Open(file_name);
   if (!file_) Raise("fopen", "Trace parser failed to open parse file!");
@@ -93,38 +98,44 @@ void CTraceParser::Parse(const std::string& file_name, std::uint64_t offset) {
     file_.reset();
     Raise("fopen", "Trace parser failed to move file cursor to offset!");
   }
+  TakeBannerFromFileHead(file_name, offset);
   source_mode_ = SourceMode::kFile;
-  SetFlags(0);
+  SetFlags(flags);
   ParseToEnd();
 }
 
 void CTraceParser::ParseStream(LineSource& source, const std::string& name, std::uint64_t offset) {
-  trace_file_name_ = name;
-  if (!source.OpenLines(name, offset))
-    Raise("OpenLines", "Trace parser failed to open parse file!");
-  const StreamScope scope(&stream_, &source, true);
-  source_mode_ = SourceMode::kStream;
-  stream_at_end_ = false;
-  SetFlags(0);
-  ParseToEnd();
+  ParseSource(source, SourceMode::kStream, name, offset, 0);
+}
+
+void CTraceParser::ParseStreamFrom(LineSource& source, const std::string& name,
+                                   std::uint64_t offset, std::uint8_t flags) {
+  ParseSource(source, SourceMode::kStream, name, offset, flags);
 }
 
 void CTraceParser::ParseDatabaseReader(LineSource& reader, const std::string& name,
                                        std::uint64_t offset) {
+  ParseSource(reader, SourceMode::kDatabaseReader, name, offset, 0);
+}
+
+// The head is asked for before the stream opens: an FTP session carries one transfer at a time.
+void CTraceParser::ParseSource(LineSource& source, SourceMode mode, const std::string& name,
+                               std::uint64_t offset, std::uint8_t flags) {
   trace_file_name_ = name;
-  if (!reader.OpenLines(name, offset))
+  TakeBannerFromSourceHead(source, name, offset);
+  if (!source.OpenLines(name, offset))
     Raise("OpenLines", "Trace parser failed to open parse file!");
-  const StreamScope scope(&stream_, &reader, true);
-  source_mode_ = SourceMode::kDatabaseReader;
+  const StreamScope scope(&stream_, &source, true);
+  source_mode_ = mode;
   stream_at_end_ = false;
-  SetFlags(0);
+  SetFlags(flags);
   ParseToEnd();
 }
 
 bool CTraceParser::ParseBatch(const std::string& file_name, std::uint16_t limit,
                               std::uint8_t flags) {
   trace_file_name_ = file_name;
-  if (input_exhausted_) return CloseFirst(limit) > 0;
+  if (input_exhausted_) return CloseAfterEnd(limit, limit);
   if (!file_) {
     file_ = TraceFileReader::Open(file_name);
     if (!file_) Raise("fopen", "Trace parser failed to open parse file.");
@@ -136,7 +147,7 @@ bool CTraceParser::ParseBatch(const std::string& file_name, std::uint16_t limit,
 bool CTraceParser::ParseStreamBatch(LineSource& source, const std::string& name,
                                     std::uint16_t limit, std::uint8_t flags) {
   trace_file_name_ = name;
-  if (input_exhausted_) return CloseFirst(limit) > 0;
+  if (input_exhausted_) return CloseAfterEnd(limit, limit);
   const StreamScope scope(&stream_, &source, false);
   source_mode_ = SourceMode::kStream;
   stream_at_end_ = false;  // a batch stream that had ended would have exhausted the input
@@ -163,7 +174,18 @@ bool CTraceParser::ParseNextBatch(std::uint16_t limit, std::uint8_t flags) {
   EndOfInput();
   input_exhausted_ = true;
   const auto closed = static_cast<std::int64_t>(table_.closed().size());
-  return CloseFirst(std::int64_t{limit} - closed) > 0;
+  return CloseAfterEnd(std::int64_t{limit} - closed, limit);
+}
+
+// With a limit, the first n open statements close and the answer is whether any stay open, so
+// a host that loops on "MORE" gets them a portion at a time. Without a limit that arithmetic
+// would close none and answer "MORE" for ever: every statement closes and the parse is done.
+bool CTraceParser::CloseAfterEnd(std::int64_t n, std::uint16_t limit) {
+  if (limit == 0) {
+    CloseAll();
+    return false;
+  }
+  return CloseFirst(n) > 0;
 }
 
 void CTraceParser::EndOfInput() {
@@ -193,10 +215,14 @@ bool CTraceParser::NextLine(std::string_view* line) {
   }
   if (!got) return false;
   line_buffer_ = *line;
-  if (line_may_mark_limit_ && IsSizeLimitLine(*line)) {
+  if (line_may_mark_limit_ && MarksSizeLimit(*line)) {
     Raise("Parse", "Trace file has reached max_dump_file_size!");
   }
   return true;
+}
+
+bool CTraceParser::MarksSizeLimit(std::string_view line) const {
+  return newer_forms_ ? IsDumpSizeLimitLine(line) : IsSizeLimitLine(line);
 }
 
 bool CTraceParser::ReadFileLine(std::string_view* line) {

@@ -45,7 +45,7 @@ class CTraceParser {
   // "%d.%d.%d.%d.%d" (numbers not reached stay 0).
   CTraceParser(std::string name, std::string_view version_text);
   // The parser of the whole-file parse methods: keeps the sort options (not owned, may be null)
-  // and the aggregated flag; it has no name and no database version.
+  // and the aggregated flag (merge identical SQL); it has no name and no database version.
   explicit CTraceParser(const SortOptions* sort_options = nullptr, bool aggregated = false);
   virtual ~CTraceParser();
   CTraceParser(const CTraceParser&) = delete;
@@ -53,16 +53,27 @@ class CTraceParser {
 
   // --- Parsing ---------------------------------------------------------------------------
   // The whole local file from byte `offset`; every statement is closed at the end. Throws
-  // "Trace parser failed to open parse file!" / "...to move file cursor to offset!".
+  // "Trace parser failed to open parse file!" / "...to move file cursor to offset!". From an
+  // offset past 0 the release banner is first taken from the head of the file (see
+  // TakeBannerFromHead).
   virtual void Parse(const std::string& file_name, std::uint64_t offset);
+  // Parse with the flags of the batch forms (Parse clears them), for a whole-file parse that
+  // leaves out waits or binds.
+  void ParseFrom(const std::string& file_name, std::uint64_t offset, std::uint8_t flags);
   // The next portion of a local file, opened on the first call and kept open between calls:
   // parses until the closed list holds at least `limit` statements (0: no limit) or the file
-  // ends. True while statements remain to be taken. Throws "Trace parser failed to open parse
-  // file." when the file cannot be opened.
+  // ends. True while statements remain to be taken: with a limit, the statements still open at
+  // the end are handed out up to it, call by call; without one (0) all of them at once, and
+  // the answer is false. Throws "Trace parser failed to open parse file." when the file cannot
+  // be opened.
   virtual bool ParseBatch(const std::string& file_name, std::uint16_t limit, std::uint8_t flags);
   // The whole stream of a transport: opens it with (name, offset), reads it to its end, closes
-  // it, and closes every statement.
+  // it, and closes every statement. From an offset past 0 the head of the trace is asked of the
+  // source first, for its release banner.
   virtual void ParseStream(LineSource& source, const std::string& name, std::uint64_t offset);
+  // ParseStream with the flags of the batch forms.
+  void ParseStreamFrom(LineSource& source, const std::string& name, std::uint64_t offset,
+                       std::uint8_t flags);
   // The next portion of a transport stream that the caller has opened (and will close), as
   // ParseBatch does for a file. `source` is used during the call only.
   virtual bool ParseStreamBatch(LineSource& source, const std::string& name, std::uint16_t limit,
@@ -74,6 +85,13 @@ class CTraceParser {
   // Called with the number of bytes of a local file read so far, once for each block read.
   using ProgressCallback = std::function<void(std::uint64_t bytes_read)>;
   void SetProgressCallback(ProgressCallback callback) { progress_ = std::move(callback); }
+
+  // Takes the release banner (and a "Version" line) from `head`, the first bytes of a trace
+  // whose parse starts past them, up to the end of its header (the first "***" or "=====" line
+  // or record); the rest of `head` is not read. Whole lines only.
+  void TakeBannerFromHead(std::string_view head);
+  // The most bytes of a trace's head that a parse from an offset reads for its banner.
+  static constexpr std::uint64_t kHeadBytes = 16 * 1024;
 
   // Hands one line to the scanner of its kind. Scanners that read further lines (SQL text,
   // BINDS blocks) take them from the source of the parse in progress, if any.
@@ -122,8 +140,9 @@ class CTraceParser {
   const std::string& StatementId() const { return name_; }
   void SetSortOptions(const SortOptions* options) { sort_options_ = options; }
   const SortOptions* GetSortOptions() const { return sort_options_; }
-  void SetAggregated(bool aggregated) { aggregated_ = aggregated; }
-  bool IsAggregated() const { return aggregated_; }
+  // The aggregated flag of the parse methods is TKPROF's aggregate=yes: merge identical SQL.
+  void SetAggregated(bool aggregated) { merge_identical_sql_ = aggregated; }
+  bool IsAggregated() const { return merge_identical_sql_; }
   void SetMergeIdenticalSql(bool merge) { merge_identical_sql_ = merge; }
   bool MergeIdenticalSql() const { return merge_identical_sql_; }
   // Reads "%d.%d.%d.%d.%d"; numbers not reached keep their values.
@@ -140,13 +159,20 @@ class CTraceParser {
   char ReleaseCharacter() const { return release_char_; }
   // The major version of the last release banner seen ("Oracle9i ... Release 9.2.0.4.0" gives
   // 9, "Oracle Database 19c ... Release 19.0.0.0.0" 19), 0 before any, kNewerFormsVersion when
-  // only the line forms told the release; for writers of a parser without a database version.
+  // only the line forms told the release.
   int BannerMajorVersion() const { return banner_major_version_; }
+  // What the aggregated writers of a parser without a database version take: the banner's major
+  // version; without any banner, kMicrosecondClockVersion when a tim of 13 digits or more was
+  // seen (the microsecond clock of 9i and later: tim=1083929217641969), else 0.
+  int MajorVersionForWriters() const;
+  static constexpr int kMicrosecondClockVersion = 9;
   // True when the trace was written by Oracle 10g or later: an "Oracle Database ..." banner or a
   // "Version 19.x" line said so, or, with no banner at all, a line form that only those releases
   // write (plan hashes on calls, CLOSE lines, WAIT lines with their own tim, Bind#n blocks,
-  // sqlid). Such traces are read in microseconds, their SQL text ends at END OF STMT, and each
-  // call is counted in the totals without the figures of its recursive calls, as TKPROF does.
+  // sqlid). Such traces are read in microseconds, their SQL text ends at END OF STMT, each
+  // call is counted in the totals without the figures of its recursive calls, as TKPROF does,
+  // and only Oracle's own size-limit line ends the parse. An 8i/9i banner ("Oracle9i ...")
+  // settles the question for good: no later line makes the trace a newer one.
   bool NewerForms() const { return newer_forms_; }
   // The major version assumed for a trace without a banner whose line forms are 10g's or later.
   static constexpr int kNewerFormsVersion = 10;
@@ -183,6 +209,17 @@ class CTraceParser {
   // that is now in line_buffer_, to be dispatched in its turn.
   bool DispatchOnce(std::string_view line);
   void TakeSessionTimestamp(std::string_view line);
+  // Notes a call's or cursor's tim for MajorVersionForWriters.
+  void NoteTim(std::int64_t tim);
+  // The size-limit test of the trace's form: see NewerForms.
+  bool MarksSizeLimit(std::string_view line) const;
+  // Reads the head of a local file (or asks the source for it) for a parse from `offset`.
+  void TakeBannerFromFileHead(const std::string& file_name, std::uint64_t offset);
+  void TakeBannerFromSourceHead(LineSource& source, const std::string& name, std::uint64_t offset);
+  void ParseSource(LineSource& source, SourceMode mode, const std::string& name,
+                   std::uint64_t offset, std::uint8_t flags);
+  // What a batch call answers once the input has ended: see ParseBatch.
+  bool CloseAfterEnd(std::int64_t n, std::uint16_t limit);
   void TakeRelease(std::string_view line);
   // "Oracle Database 19c ... Release 19.0.0.0.0 - Production" and "Version 19.14.2.0.0": the
   // major version starts at `version`.
@@ -233,9 +270,10 @@ class CTraceParser {
   std::string trace_file_name_;
   std::string output_directory_;
   const SortOptions* sort_options_ = nullptr;
-  bool aggregated_ = false;
   int banner_major_version_ = 0;
-  bool release_seen_ = false;  // some banner or Version line, older or newer
+  bool release_seen_ = false;   // some banner or Version line, older or newer
+  bool older_banner_ = false;   // an 8i/9i banner: the trace's form is settled
+  bool long_tim_seen_ = false;  // a tim of 13 digits or more (see MajorVersionForWriters)
   bool newer_forms_ = false;
   RecursiveCalls recursive_calls_;
   bool hand_back_ = false;  // see DispatchOnce

@@ -16,8 +16,11 @@ constexpr std::int64_t kMicroseconds = 1000000;
 // Oracle Database 11g Enterprise Edition Release 11.1.0.6.0 - 64bit Production
 // Version 19.14.2.0.0
 // These releases count in microseconds; the banner of 18c and later says "Release 19.0.0.0.0"
-// and the Version line behind it gives the release update, with the same major version.
+// and the Version line behind it gives the release update, with the same major version. After
+// an 8i/9i banner such a line is something else ("Windows 2000 Version 5.1 Service Pack 2" cut
+// to "Version 5.1 Service Pack 2", a banner quoted in a statement's text) and changes nothing.
 void CTraceParser::TakeNewerRelease(std::string_view version) {
+  if (older_banner_) return;
   release_seen_ = true;
   newer_forms_ = true;
   time_divisor_ = kMicroseconds;

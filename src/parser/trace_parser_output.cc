@@ -21,7 +21,7 @@ DocumentContext CTraceParser::MakeDocumentContext() const {
   context.time_divisor = time_divisor_;
   // A parser made without a database version takes the major version from the trace's banner,
   // so that a 9i trace is not divided as if it counted centiseconds.
-  context.oracle_major_version = has_version_ ? version_[0] : banner_major_version_;
+  context.oracle_major_version = has_version_ ? version_[0] : MajorVersionForWriters();
   context.statement_id = name_;
   context.sort_options = sort_options_;
   return context;

@@ -97,9 +97,11 @@ void CTraceParser::TakeSessionTimestamp(std::string_view line) {
 
 // Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production
 // One character decides: '8' and below are centisecond releases. "Oracle10g" therefore counts
-// as centiseconds too, which is how these traces have always been read.
+// as centiseconds too, which is how these traces have always been read. A banner of this form
+// settles the trace's form: no later line makes it a 10g+ trace (see TakeNewerRelease).
 void CTraceParser::TakeRelease(std::string_view line) {
   release_seen_ = true;
+  older_banner_ = true;
   newer_forms_ = false;
   release_char_ = CharAt(line, 6);
   time_divisor_ = static_cast<signed char>(release_char_) <= '8' ? 100 : 1000000;
@@ -114,6 +116,7 @@ void CTraceParser::ScanParse(std::string_view line) {
   CallRecord call;
   if (ScanCallLine(line, kParseKeyword, &call)) NoteNewerForm();
   current_time_ = call.tim;
+  NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     statement->parse_calls.push_back(call);
@@ -125,6 +128,7 @@ void CTraceParser::ScanExec(std::string_view line) {
   ExecCallRecord call;
   if (ScanCallLine(line, kExecKeyword, &call)) NoteNewerForm();
   current_time_ = call.tim;
+  NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     call.exebnd = statement->bind_set_count - 1;
@@ -137,6 +141,7 @@ void CTraceParser::ScanFetch(std::string_view line) {
   CallRecord call;
   if (ScanCallLine(line, kFetchKeyword, &call)) NoteNewerForm();
   current_time_ = call.tim;
+  NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     statement->fetch_calls.push_back(call);
@@ -163,6 +168,7 @@ void CTraceParser::ScanParsingInCursor(std::string_view line) {
 }
 
 void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
+  NoteTim(header.tim);
   if (first_cursor_time_pending_) {
     first_cursor_time_ = header.tim;
     first_cursor_time_pending_ = false;
@@ -173,9 +179,11 @@ void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
   if (statement != nullptr) {
     statement->cursor = cursor;  // the header stays the one first seen
     statement->cursor_known = header.cursor_known;
+    statement->cursor_negative = header.cursor_negative;
   } else {
     statement = table_.OpenNew(cursor);
     statement->cursor_known = header.cursor_known;
+    statement->cursor_negative = header.cursor_negative;
     statement->header = std::move(header);
   }
   table_.Cache(cursor, statement);
@@ -193,6 +201,7 @@ void CTraceParser::ScanParseError(std::string_view line) {
   CloseCursor(cursor);
   TraceStatement* statement = table_.OpenNew(cursor);
   statement->cursor_known = error.cursor_known;
+  statement->cursor_negative = error.cursor_negative;
   statement->parse_error = std::move(error);
   statement->is_parse_error = true;
   table_.Cache(cursor, statement);

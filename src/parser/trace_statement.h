@@ -37,7 +37,8 @@ struct TraceStatement {
   std::array<CallTotals, 5> totals{};
   bool is_parse_error = false;
   std::int32_t bind_set_count = 0;
-  bool cursor_known = false;  // `cursor` came from a line (see kNoCursor)
+  bool cursor_known = false;     // `cursor` came from a line (see kNoCursor)
+  bool cursor_negative = false;  // and was below 0 there
 
   // The SQL text the statement stands for: the header's, or the parse error's.
   const std::string& SqlText() const { return is_parse_error ? parse_error.text : header.text; }

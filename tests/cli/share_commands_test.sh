@@ -42,6 +42,27 @@ check "report in place equals the local report" "$("$pelicor" report "$udump/sam
   "$("$pelicor" share report "$udump" sample_9i.trc --sort exe)"
 check "xml in place equals the local document" "$("$pelicor" xml --aggregate "$udump/sample_9i.trc")" \
   "$("$pelicor" share xml "$udump" sample_9i.trc --aggregate)"
+
+# What a session wrote after a point of a 9i trace: the banner before that point still gives
+# the microsecond clock. The same SQL twice under one cursor is one statement with --merge.
+printf 'Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n' >"$udump/session.trc"
+offset=$(wc -c <"$udump/session.trc")
+for tim in 1083929217641977 1083929217741977; do
+  printf '%s\n' '=====================' \
+    "PARSING IN CURSOR #1 len=18 dep=0 uid=5 oct=3 lid=5 tim=$tim hv=1 ad='6b'" \
+    'select 1 from dual' 'END OF STMT' \
+    "EXEC #1:c=2500000,e=2600000,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=$tim" >>"$udump/session.trc"
+done
+check "aggregate from an offset" \
+  "$(printf '%s\n' '<EXEC count="1" cpu="2.50" elapsed="2.60" disk="0" query="0" current="0" rows="0"></EXEC>' \
+    '<EXEC count="1" cpu="2.50" elapsed="2.60" disk="0" query="0" current="0" rows="0"></EXEC>')" \
+  "$("$pelicor" xml --aggregate --offset "$offset" "$udump/session.trc" | grep '^<EXEC')"
+check "merged aggregate from an offset, in place" \
+  '<EXEC count="2" cpu="5.00" elapsed="5.20" disk="0" query="0" current="0" rows="0"></EXEC>' \
+  "$("$pelicor" share xml "$udump" session.trc --aggregate --merge --offset "$offset" | grep '^<EXEC')"
+check "report from an offset" \
+  "Execute      2      5.00       5.20          0          0          0           0" \
+  "$("$pelicor" report --merge --offset "$offset" "$udump/session.trc" | grep '^Execute')"
 "$pelicor" share list --help | grep -q -- '--pattern'
 check "help names the options" "0" "$?"
 

@@ -80,6 +80,21 @@ TEST_P(ParseFormsTest, BatchAnswersMoreUntilTheTraceIsRead) {
   EXPECT_TRUE(FtpIsFree());
 }
 
+// Count 0 sets no limit: one call reads the whole trace, writes every statement and is done,
+// whatever the flag asks to leave out.
+TEST_P(ParseFormsTest, BatchWithoutLimitEndsInOneCall) {
+  for (const int flag : {0, 1}) {
+    SCOPED_TRACE(flag);
+    EXPECT_EQ(
+        (service_.*kBatch[GetParam()])(kTrace, 0, static_cast<std::uint16_t>(flag), &out_, &msg_),
+        0);
+    EXPECT_EQ(msg_, "OK");
+    EXPECT_EQ(Portion(), "select ename+update emp+commit");
+    EXPECT_EQ(service_.BatchParser(), nullptr);
+    ExpectStreamsOf(kLocal);
+  }
+}
+
 // ParseFileEx keeps its parser after a failure and goes on with it, writing the unwritten portion
 // with the next one; the share and FTP forms drop parser and transport, and start afresh.
 TEST_P(ParseFormsTest, BatchFailureRules) {
@@ -95,6 +110,101 @@ TEST_P(ParseFormsTest, BatchFailureRules) {
   const std::string answer = Batch();
   const std::string next = answer + " " + Portion();
   EXPECT_EQ(next, GetParam() == kLocal ? "OK update emp+commit" : "MORE select ename");
+}
+
+// The statement "select 1 from dual" of the aggregated document, its one EXEC row (count and
+// seconds) repeated in TOTAL.
+std::string AggregatedStatement(int count, const std::string& seconds) {
+  const std::string figures = "count=\"" + std::to_string(count) + "\" cpu=\"" + seconds +
+                              "\" elapsed=\"" + seconds +
+                              "\" disk=\"0\" query=\"0\" current=\"0\" rows=\"0\">";
+  const std::string none =
+      "count=\"0\" cpu=\"0.00\" elapsed=\"0.00\" disk=\"0\" query=\"0\" current=\"0\" "
+      "rows=\"0\">";
+  return "<STATEMENT>\n<SQL><![CDATA[select 1 from dual\n]]></SQL>\n<PARSE " + none +
+         "</PARSE>\n<EXEC " + figures + "</EXEC>\n<FETCH " + none + "</FETCH>\n<TOTAL " + figures +
+         "</TOTAL>\n<MISSES miss=\"0\"></MISSES>\n<OPTIMIZER goal=\"CHOOSE\">" +
+         "</OPTIMIZER>\n</STATEMENT>\n";
+}
+
+// What a session adds to its trace: `times` runs of one statement under cursor 1, each of
+// 2.5 s on a microsecond clock.
+std::string SessionRuns(int times) {
+  std::string text;
+  for (int n = 0; n < times; ++n) {
+    const std::string tim = std::to_string(1083929217641977 + n * 1000000);
+    text +=
+        "=====================\nPARSING IN CURSOR #1 len=18 dep=0 uid=5 oct=3 lid=5 tim=" + tim +
+        " hv=1 ad='6b'\nselect 1 from dual\nEND OF STMT\n" +
+        "EXEC #1:c=2500000,e=2500000,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=" + tim + "\n";
+  }
+  return text;
+}
+
+constexpr const char* k9iHead =
+    "/u01/app/oracle/admin/orcl/udump/4242_sess.trc\n"
+    "Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\nOracle process number: 12\n";
+
+class AfterLookupTest : public ParseFormsTest {
+ protected:
+  // The host's flow: a trace holding only `head` is looked up for process 4242 (the share's
+  // lookup for the local and share forms, FTP's for FTP), which sets the start offset behind
+  // it; the session then writes `tail`, and the whole-file parse of the form writes the
+  // aggregated document.
+  std::string AggregateAfterLookup(const std::string& head, const std::string& tail,
+                                   std::uint16_t isAggregated) {
+    const char* name = "4242_sess.trc";
+    fs::remove(udump() / kTrace);  // the only trace of process 4242 on the share
+    WriteWholeFile(Dir(GetParam()) / name, head);
+    WriteWholeFile(udump() / name, head);
+    const auto lookup =
+        GetParam() == kFtp ? &CPelicor::FtpGetTraceFilePID : &CPelicor::NfsGetTraceFilePID;
+    EXPECT_EQ((service_.*lookup)("4242", 0, &out_, &msg_), 0) << msg_;
+    EXPECT_EQ(service_.StartOffset(), head.size());
+    AppendFile(Dir(GetParam()) / name, tail);
+    fs::remove(root() / "4242_sess.xml");
+    EXPECT_EQ((service_.*kWhole[GetParam()])(name, 0, isAggregated, 1, &out_, &msg_), 0) << msg_;
+    return Document(root() / "4242_sess.xml");
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Forms, AfterLookupTest, ::testing::Values(kLocal, kShare, kFtp));
+
+// The banner stands before the start offset and still sets the clock; without one, the 16-digit
+// tim values of the new lines tell a microsecond clock.
+TEST_P(AfterLookupTest, BannerBeforeTheStartOffsetSetsTheClock) {
+  const struct {
+    std::string head;
+    std::string seconds;
+  } cases[] = {
+      {k9iHead, "2.50"},
+      {"Oracle8i Enterprise Edition Release 8.1.7.4.0 - Production\n", "25000.00"},
+      {"Unix process pid: 4242, image: oracle@dbhost01 (TNS V1-V3)\n", "2.50"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.head);
+    EXPECT_EQ(AggregateAfterLookup(test.head, SessionRuns(1), 1),
+              "<STATEMENTS>\n" + AggregatedStatement(1, test.seconds) + "</STATEMENTS>\n");
+  }
+}
+
+// isAggregated is TKPROF's aggregate=yes: the same SQL text under a reused cursor is one
+// statement.
+TEST_P(AfterLookupTest, AggregatedFlagMergesIdenticalSql) {
+  const std::string apart = AggregatedStatement(1, "2.50");
+  const struct {
+    std::uint16_t isAggregated;
+    std::string statements;
+  } cases[] = {
+      {0, apart + apart},
+      {1, AggregatedStatement(2, "5.00")},
+      {2, AggregatedStatement(2, "5.00")},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.isAggregated);
+    EXPECT_EQ(AggregateAfterLookup(k9iHead, SessionRuns(2), test.isAggregated),
+              "<STATEMENTS>\n" + test.statements + "</STATEMENTS>\n");
+  }
 }
 
 // ParseFileEx goes on with the share's batch; each transport's batch drops the other's and

@@ -225,7 +225,8 @@ TEST(FieldScannerVsSscanf, VersionText) {
   }
 }
 
-// Cursor numbers are addresses from 11.2.0.2 on: they must neither wrap nor collide.
+// Cursor numbers are addresses from 11.2.0.2 on: they must neither wrap nor collide. A sign
+// is read as %d reads it.
 TEST(FieldScanner, CursorsAreUnsigned64Bit) {
   struct Case {
     const char* line;
@@ -237,8 +238,9 @@ TEST(FieldScanner, CursorsAreUnsigned64Bit) {
       {"FETCH #2147483648:c=5", 2147483648ULL, 5},
       {"FETCH #18446744073709551615:c=5", 18446744073709551615ULL, 5},
       {"FETCH #99999999999999999999:c=5", 18446744073709551615ULL, 5},
-      {"FETCH #-1:c=5", 0, -1},
-      {"FETCH #+1:c=5", 0, -1},
+      {"FETCH #-1:c=5", 18446744073709551615ULL, 5},
+      {"FETCH #+1:c=5", 1, 5},
+      {"FETCH #-:c=5", 0, -1},
       {"FETCH # 12:c=5", 12, 5},
   };
   for (const Case& test : cases) {

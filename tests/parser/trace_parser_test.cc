@@ -150,11 +150,10 @@ TEST(CTraceParser, BatchFlagsSkipWaitsAndBinds) {
       "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=5\n"
       "WAIT #1: nam='x' ela= 1 p1=0 p2=0 p3=0\n");
   parser::CTraceParser trace;
-  // With limit 0 nothing is released at the end: the statement stays open, so more remains.
-  EXPECT_TRUE(trace.ParseBatch(file.path(), 0,
-                               parser::kSkipWaits | parser::kSkipBinds | parser::kTopLevelOnly));
-  ASSERT_EQ(trace.OpenStatements().size(), 1u);
-  const parser::TraceStatement& statement = *trace.OpenStatements().front();
+  EXPECT_FALSE(trace.ParseBatch(file.path(), 0,
+                                parser::kSkipWaits | parser::kSkipBinds | parser::kTopLevelOnly));
+  ASSERT_EQ(trace.ClosedStatements().size(), 1u);
+  const parser::TraceStatement& statement = *trace.ClosedStatements().front();
   EXPECT_TRUE(statement.waits.empty());
   EXPECT_TRUE(statement.binds.empty());
   EXPECT_EQ(statement.exec_calls.size(), 1u);

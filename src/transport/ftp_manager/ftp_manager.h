@@ -115,6 +115,10 @@ class CFtpManager : public parser::LineSource {
   bool OpenLines(const std::string& name, std::uint64_t offset) override;
   bool ReadNextLine(std::string_view* line) override;
   void CloseLines() override;
+  // A second, short transfer of `name` from its start, ended by ABOR once `max_bytes` have
+  // arrived (unless the whole file has): for a parse whose stream starts past the trace's
+  // banner. False when the transfer cannot be opened or a stream is open; nothing is thrown.
+  bool ReadHead(const std::string& name, std::uint64_t max_bytes, std::string* head) override;
 
  private:
   void UnInit();

@@ -143,6 +143,35 @@ bool CFtpManager::ReadNextLine(std::string_view* line) {
   return true;
 }
 
+bool CFtpManager::ReadHead(const std::string& name, std::uint64_t max_bytes, std::string* head) {
+  if (data_stream_open_) return false;
+  size_probe_open_ = false;  // opening finishes a data connection left open
+  if (FtpOpenDataConnection(name.c_str(), kFtpActionRetrieve, kFtpTypeBinary, 0) != kFtpOk) {
+    return false;
+  }
+  head->clear();
+  int result = kFtpOk;
+  while (head->size() < max_bytes) {
+    const std::uint64_t wanted = max_bytes - head->size();
+    buffer_length_ =
+        wanted < static_cast<std::uint64_t>(kBufferSize) ? static_cast<int>(wanted) : kBufferSize;
+    result = FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_);
+    if (result != kFtpOk) break;
+    head->append(buffer_.data(), static_cast<std::size_t>(buffer_length_));
+  }
+  buffer_length_ = kBufferSize;
+  if (result == kFtpDataClosed) {
+    FtpCloseDataConnection();  // the whole file fitted: its 226
+  } else {
+    // The rest of a large trace is not wanted: ABOR stops the server, where closing the data
+    // connection alone would first read the rest of the file away.
+    FtpAbort();
+    FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_);
+    buffer_length_ = kBufferSize;
+  }
+  return true;
+}
+
 // The parser closes its source from a destructor, where nothing may be thrown. The data has
 // all arrived by then; a bad final reply is only logged (by the exception's construction).
 void CFtpManager::CloseLines() {
