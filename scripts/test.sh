@@ -8,7 +8,7 @@ jobs=$(nproc)
 cmake --preset dev >/dev/null
 cmake --build --preset dev -j "$jobs"
 # The fuzz targets first, so that the test runner's summary is the last thing printed.
-scripts/fuzz.sh "${PELICOR_FUZZ_SECONDS:-30}"
+scripts/fuzz.sh "${PELICOR_FUZZ_SECONDS:-20}"
 ctest --preset dev -j "$jobs"
 # The Windows COM server under Wine (x86_64, and i686 where wine32 is installed).
 scripts/com-test.sh
