@@ -110,9 +110,9 @@ void CTraceParser::ParseStream(LineSource& source, const std::string& name, std:
 }
 
 void CTraceParser::ParseDatabaseReader(LineSource& reader, const std::string& name,
-                                       std::uint64_t offset) {
+                                       const std::string& marker) {
   trace_file_name_ = name;
-  if (!reader.OpenLines(name, offset))
+  if (!reader.OpenLinesAfterMarker(name, marker))
     Raise("OpenLines", "Trace parser failed to open parse file!");
   const StreamScope scope(&stream_, &reader, true);
   source_mode_ = SourceMode::kDatabaseReader;

@@ -67,9 +67,10 @@ class CTraceParser {
   // ParseBatch does for a file. `source` is used during the call only.
   virtual bool ParseStreamBatch(LineSource& source, const std::string& name, std::uint16_t limit,
                                 std::uint8_t flags);
-  // The whole file through the database-side reader, as ParseStream.
+  // The whole file through the database-side reader, as ParseStream, from the line after the
+  // one that holds `marker` (the host wrote it into the trace when it started its work).
   virtual void ParseDatabaseReader(LineSource& reader, const std::string& name,
-                                   std::uint64_t offset);
+                                   const std::string& marker);
 
   // Called with the number of bytes of a local file read so far, once for each block read.
   using ProgressCallback = std::function<void(std::uint64_t bytes_read)>;
