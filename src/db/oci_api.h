@@ -47,6 +47,9 @@ inline constexpr ub4 OCI_HTYPE_STMT = 4;
 // Attributes.
 inline constexpr ub4 OCI_ATTR_ENV = 5;  // the environment a handle belongs to
 
+// Fetch orientation.
+inline constexpr ub2 OCI_FETCH_NEXT = 2;
+
 // Statement syntax.
 inline constexpr ub4 OCI_NTV_SYNTAX = 1;
 
@@ -79,6 +82,8 @@ using OCIStmtPrepareFn = sword (*)(OCIStmt* stmtp, OCIError* errhp, const OraTex
 using OCIStmtExecuteFn = sword (*)(OCISvcCtx* svchp, OCIStmt* stmtp, OCIError* errhp, ub4 iters,
                                    ub4 rowoff, const OCISnapshot* snap_in, OCISnapshot* snap_out,
                                    ub4 mode);
+using OCIStmtFetch2Fn = sword (*)(OCIStmt* stmtp, OCIError* errhp, ub4 nrows, ub2 orientation,
+                                  sb4 fetchOffset, ub4 mode);
 using OCIDefineByPosFn = sword (*)(OCIStmt* stmtp, OCIDefine** defnpp, OCIError* errhp,
                                    ub4 position, void* valuep, sb4 value_sz, ub2 dty, void* indp,
                                    ub2* rlenp, ub2* rcodep, ub4 mode);

@@ -59,6 +59,7 @@ void OciLibrary::Resolve() {
   PELICOR_TAKE_OCI(OCILogoff);
   PELICOR_TAKE_OCI(OCIStmtPrepare);
   PELICOR_TAKE_OCI(OCIStmtExecute);
+  PELICOR_TAKE_OCI(OCIStmtFetch2);
   PELICOR_TAKE_OCI(OCIDefineByPos);
   PELICOR_TAKE_OCI(OCIBindByName);
 #undef PELICOR_TAKE_OCI

@@ -24,6 +24,7 @@ struct OciFunctions {
   oci::OCILogoffFn OCILogoff = nullptr;
   oci::OCIStmtPrepareFn OCIStmtPrepare = nullptr;
   oci::OCIStmtExecuteFn OCIStmtExecute = nullptr;
+  oci::OCIStmtFetch2Fn OCIStmtFetch2 = nullptr;
   oci::OCIDefineByPosFn OCIDefineByPos = nullptr;
   oci::OCIBindByNameFn OCIBindByName = nullptr;
 };

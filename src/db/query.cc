@@ -61,4 +61,12 @@ bool Query::Execute() {
   return status != oci::OCI_NO_DATA;
 }
 
+bool Query::Fetch() {
+  const oci::sword status = session_.Check(
+      session_.Api().OCIStmtFetch2(statement_.get<oci::OCIStmt>(), session_.ErrorHandle(), 1,
+                                   oci::OCI_FETCH_NEXT, 0, oci::OCI_DEFAULT),
+      "OCIStmtFetch2");
+  return status != oci::OCI_NO_DATA;
+}
+
 }  // namespace db

@@ -6,7 +6,9 @@
 //   tns_banner, os_version, plsql_banner, instance, host_name, user_dump_dest
 //                       the answers of the dictionary queries (a missing key: no row)
 //   spid=SID,SERIAL#,SPID   one per session the server knows
-//   trace_folder        the real folder behind user_dump_dest, read by the package
+//   tracefile=SID,SERIAL#,PATH   V$PROCESS.TRACEFILE of a session
+//   trace_folder        the real folder behind user_dump_dest, read by the package and shown
+//                       in V$DIAG_TRACE_FILE_CONTENTS
 //   package=missing     every call of vandel_trace_file_io fails as a missing package does
 //   user, password, connect   the one account OCILogon accepts
 //   fail=FUNCTION|CODE|TEXT   that entry point fails with this Oracle error
@@ -77,6 +79,8 @@ struct Stmt : Handle {
   BindSlot define;
   sb2* define_indicator = nullptr;
   bool has_define = false;
+  std::vector<std::string> rows;  // of an executed query, the first already handed out
+  std::size_t next_row = 0;
 };
 
 // Bind and define handles: owned by their statement, as in OCI.
@@ -169,6 +173,12 @@ const char* const kPlsqlSql =
     "select /* zantiv */ banner from sys.v_$version where upper(banner) like '%PL/SQL%%.%'";
 const char* const kInstanceSql = "select /* zantiv */ NVL(LOWER(name),'NONE') from sys.v_$database";
 const char* const kHostSql = "select host_name from v$instance";
+const char* const kTraceFileSql =
+    "select /* zantiv */ p.tracefile from v$process p, v$session s where p.addr=s.paddr and "
+    "s.sid = ";
+const char* const kContentsSql =
+    "select /* zantiv */ payload from v$diag_trace_file_contents where trace_filename = :name "
+    "order by line_number";
 const char* const kSpidSql =
     "select /* zantiv */ p.spid from sys.v_$process p, sys.v_$session s where p.addr=s.paddr and "
     "s.SID = ";
@@ -195,14 +205,19 @@ bool Answer(const Scenario& scenario, const std::string& sql, std::string* value
       *found = true;
       return true;
     }
-  } else if (sql.compare(0, std::strlen(kSpidSql), kSpidSql) == 0) {
-    for (auto [it, end] = scenario.equal_range("spid"); it != end; ++it) {
+  } else if (sql.compare(0, std::strlen(kSpidSql), kSpidSql) == 0 ||
+             sql.compare(0, std::strlen(kTraceFileSql), kTraceFileSql) == 0) {
+    const bool spid_query = sql.compare(0, std::strlen(kSpidSql), kSpidSql) == 0;
+    for (auto [it, end] = scenario.equal_range(spid_query ? "spid" : "tracefile"); it != end;
+         ++it) {
       std::istringstream fields(it->second);
       std::string sid, serial, spid;
       std::getline(fields, sid, ',');
       std::getline(fields, serial, ',');
       std::getline(fields, spid, ',');
-      if (sql == kSpidSql + sid + " and s.SERIAL# = " + serial) answer = &it->second;
+      if (spid_query ? sql == kSpidSql + sid + " and s.SERIAL# = " + serial
+                     : sql == kTraceFileSql + sid + " and s.serial# = " + serial)
+        answer = &it->second;
       if (answer) {
         *value = spid;
         *found = true;
@@ -335,6 +350,8 @@ sword RunPackage(const Scenario& scenario, Svc& svc, Stmt& stmt, Err* err) {
   return OCI_SUCCESS;
 }
 
+sword Deliver(Stmt& stmt, const std::string& value);
+
 sword Execute(const Scenario& scenario, Svc& svc, Stmt& stmt, Err* err, ub4 iters) {
   for (auto [it, end] = scenario.equal_range("fail_sql"); it != end; ++it) {
     const std::string& rule = it->second;
@@ -349,13 +366,36 @@ sword Execute(const Scenario& scenario, Svc& svc, Stmt& stmt, Err* err, ub4 iter
     if (iters != 1) return Fail(err, 24333, "ORA-24333: zero iteration count\n");
     return RunPackage(scenario, svc, stmt, err);
   }
+  stmt.rows.clear();
+  stmt.next_row = 0;
   std::string value;
   bool found = false;
-  if (!Answer(scenario, stmt.text, &value, &found))
+  if (stmt.text == kContentsSql) {
+    // The file name goes in as a NUL-terminated text of exactly its length.
+    const auto bound = stmt.binds.find(":name");
+    if (bound == stmt.binds.end() || bound->second.type != SQLT_STR ||
+        bound->second.value == nullptr || stmt.binds.size() != 1 ||
+        static_cast<std::size_t>(bound->second.size) !=
+            std::strlen(static_cast<const char*>(bound->second.value)) + 1)
+      return Fail(err, 1008, "ORA-01008: not all variables bound\n");
+    const std::string* folder = Find(scenario, "trace_folder");
+    std::ifstream file;
+    const std::string name = static_cast<const char*>(bound->second.value);
+    if (folder && name.find('/') == std::string::npos) file.open(*folder + "/" + name);
+    for (std::string line; std::getline(file, line);) stmt.rows.push_back(line + "\n");
+    if (stmt.rows.empty()) return OCI_NO_DATA;
+    value = stmt.rows[0];
+    stmt.next_row = 1;
+    found = true;
+  } else if (!Answer(scenario, stmt.text, &value, &found))
     return Fail(err, 942, "ORA-00942: table or view does not exist\n");
   if (iters != 1 || !stmt.has_define || stmt.define.type != SQLT_STR)
     return Fail(err, 1007, "ORA-01007: variable not in select list\n");
   if (!found) return OCI_NO_DATA;
+  return Deliver(stmt, value);
+}
+
+sword Deliver(Stmt& stmt, const std::string& value) {
   const std::size_t room = static_cast<std::size_t>(stmt.define.size) - 1;
   const std::size_t length = std::min(room, value.size());
   std::memcpy(stmt.define.value, value.data(), length);
@@ -538,6 +578,19 @@ __attribute__((visibility("default"))) sword OCIDefineByPos(OCIStmt* stmtp, OCID
   statement->has_define = true;
   *defnpp = reinterpret_cast<OCIDefine*>(&Global().child);
   return OCI_SUCCESS;
+}
+
+__attribute__((visibility("default"))) sword OCIStmtFetch2(OCIStmt* stmtp, OCIError* errhp,
+                                                           ub4 nrows, ub2 orientation,
+                                                           sb4 /*fetchOffset*/, ub4 /*mode*/) {
+  std::lock_guard<std::mutex> lock(Global().mutex);
+  Stmt* statement = Live<Stmt>(stmtp, OCI_HTYPE_STMT);
+  Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
+  if (statement == nullptr || err == nullptr) return OCI_INVALID_HANDLE;
+  if (nrows != 1 || orientation != OCI_FETCH_NEXT)
+    return Fail(err, 1002, "ORA-01002: fetch out of sequence\n");
+  if (statement->next_row >= statement->rows.size()) return OCI_NO_DATA;
+  return Deliver(*statement, statement->rows[statement->next_row++]);
 }
 
 __attribute__((visibility("default"))) sword OCIStmtExecute(OCISvcCtx* svchp, OCIStmt* stmtp,
