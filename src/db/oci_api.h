@@ -45,7 +45,8 @@ inline constexpr ub4 OCI_HTYPE_SVCCTX = 3;
 inline constexpr ub4 OCI_HTYPE_STMT = 4;
 
 // Attributes.
-inline constexpr ub4 OCI_ATTR_ENV = 5;  // the environment a handle belongs to
+inline constexpr ub4 OCI_ATTR_ENV = 5;             // the environment a handle belongs to
+inline constexpr ub4 OCI_ATTR_PREFETCH_ROWS = 11;  // rows fetched ahead per round trip
 
 // Fetch orientation.
 inline constexpr ub2 OCI_FETCH_NEXT = 2;
@@ -70,6 +71,8 @@ using OCIHandleAllocFn = sword (*)(const void* parenth, void** hndlpp, ub4 type,
                                    std::size_t xtramem_sz, void** usrmempp);
 using OCIHandleFreeFn = sword (*)(void* hndlp, ub4 type);
 using OCIAttrGetFn = sword (*)(const void* trgthndlp, ub4 trghndltyp, void* attributep, ub4* sizep,
+                               ub4 attrtype, OCIError* errhp);
+using OCIAttrSetFn = sword (*)(void* trgthndlp, ub4 trghndltyp, void* attributep, ub4 size,
                                ub4 attrtype, OCIError* errhp);
 using OCIErrorGetFn = sword (*)(void* hndlp, ub4 recordno, OraText* sqlstate, sb4* errcodep,
                                 OraText* bufp, ub4 bufsiz, ub4 type);

@@ -54,6 +54,7 @@ void OciLibrary::Resolve() {
   PELICOR_TAKE_OCI(OCIHandleAlloc);
   PELICOR_TAKE_OCI(OCIHandleFree);
   PELICOR_TAKE_OCI(OCIAttrGet);
+  PELICOR_TAKE_OCI(OCIAttrSet);
   PELICOR_TAKE_OCI(OCIErrorGet);
   PELICOR_TAKE_OCI(OCILogon);
   PELICOR_TAKE_OCI(OCILogoff);

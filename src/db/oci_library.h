@@ -19,6 +19,7 @@ struct OciFunctions {
   oci::OCIHandleAllocFn OCIHandleAlloc = nullptr;
   oci::OCIHandleFreeFn OCIHandleFree = nullptr;
   oci::OCIAttrGetFn OCIAttrGet = nullptr;
+  oci::OCIAttrSetFn OCIAttrSet = nullptr;
   oci::OCIErrorGetFn OCIErrorGet = nullptr;
   oci::OCILogonFn OCILogon = nullptr;
   oci::OCILogoffFn OCILogoff = nullptr;

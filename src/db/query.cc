@@ -61,6 +61,13 @@ bool Query::Execute() {
   return status != oci::OCI_NO_DATA;
 }
 
+void Query::SetPrefetchRows(unsigned int rows) {
+  oci::ub4 count = rows;
+  session_.Check(session_.Api().OCIAttrSet(statement_.get<void>(), oci::OCI_HTYPE_STMT, &count, 0,
+                                           oci::OCI_ATTR_PREFETCH_ROWS, session_.ErrorHandle()),
+                 "OCIAttrSet");
+}
+
 bool Query::Fetch() {
   const oci::sword status = session_.Check(
       session_.Api().OCIStmtFetch2(statement_.get<oci::OCIStmt>(), session_.ErrorHandle(), 1,

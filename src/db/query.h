@@ -26,6 +26,8 @@ class Query {
   void DefineText(char* buffer, int size, oci::sb2* indicator);
   // Executes once (for a query: fetches the first row); false when a query had no row.
   bool Execute();
+  // Rows the client library fetches ahead in one round trip (1 by default).
+  void SetPrefetchRows(unsigned int rows);
   // The next row of an executed query into the defined buffer; false after the last.
   bool Fetch();
 

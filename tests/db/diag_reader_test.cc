@@ -54,6 +54,7 @@ TEST_F(DiagReaderTest, LinesInOrder) {
             Strings{"select /* zantiv */ payload from v$diag_trace_file_contents where "
                     "trace_filename = :name order by line_number"});
   EXPECT_EQ(server_.Sent("bind "), Strings{":name 5 6"});
+  EXPECT_EQ(server_.Sent("prefetch "), Strings{"1000"});
   EXPECT_EQ(ReadAll("a.trc", 4), "\ntwo\r\nthree\n");
   EXPECT_EQ(ReadAll("missing.trc"), "(none)");
 }

@@ -51,6 +51,8 @@ bool DiagTraceReader::OpenLines(const std::string& name, std::uint64_t offset) {
   name_ = name;
   query_ = session_.NewQuery();
   query_->Prepare(kContentsSql);
+  // A row per line: without rows fetched ahead, every line would cost a round trip.
+  query_->SetPrefetchRows(kPrefetchRows);
   query_->BindText(":name", name_.data(), static_cast<int>(name_.size() + 1));
   query_->DefineText(payload_.data(), kPayloadSize, &indicator_);
   row_pending_ = query_->Execute();

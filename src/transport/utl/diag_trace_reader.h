@@ -44,6 +44,7 @@ class DiagTraceReader : public parser::LineSource {
  private:
   // The longest payload and its NUL.
   static constexpr int kPayloadSize = 4001;
+  static constexpr unsigned int kPrefetchRows = 1000;
 
   db::DBSession& session_;
   std::unique_ptr<db::Query> query_;

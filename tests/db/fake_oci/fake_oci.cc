@@ -471,6 +471,20 @@ __attribute__((visibility("default"))) sword OCIAttrGet(const void* trgthndlp, u
   return OCI_SUCCESS;
 }
 
+__attribute__((visibility("default"))) sword OCIAttrSet(void* trgthndlp, ub4 trghndltyp,
+                                                        void* attributep, ub4 /*size*/,
+                                                        ub4 attrtype, OCIError* errhp) {
+  std::lock_guard<std::mutex> lock(Global().mutex);
+  Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
+  if (err == nullptr || Live<Stmt>(trgthndlp, OCI_HTYPE_STMT) == nullptr ||
+      trghndltyp != OCI_HTYPE_STMT)
+    return OCI_INVALID_HANDLE;
+  if (attrtype != OCI_ATTR_PREFETCH_ROWS)
+    return Fail(err, 24315, "ORA-24315: illegal attribute type\n");
+  Note(ReadScenario(), "prefetch " + std::to_string(*static_cast<ub4*>(attributep)));
+  return OCI_SUCCESS;
+}
+
 __attribute__((visibility("default"))) sword OCIErrorGet(void* hndlp, ub4 recordno,
                                                          OraText* /*sqlstate*/, sb4* errcodep,
                                                          OraText* bufp, ub4 bufsiz, ub4 type) {
