@@ -52,6 +52,7 @@ struct GetArgs {
 };
 
 void RunGet(const GetArgs& args) {
+  if (!args.target.file.empty()) RefuseUnsafeName(args.target.file);
   DbTrace trace(args.target);
   const std::string name = trace.Name();
   RefuseUnsafeName(name);

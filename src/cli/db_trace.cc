@@ -78,7 +78,14 @@ DbTrace::DbTrace(const DbTarget& target) : target_(target) {
 DbTrace::~DbTrace() = default;
 
 std::string DbTrace::Name() {
-  if (!target_.file.empty()) return target_.file;
+  if (!target_.file.empty()) {
+    // The package opens a file it cannot read without complaint and then reads nothing.
+    if (package_ && !package_->ValidateFile(package_->DumpDirectory(), target_.file)) {
+      throw std::runtime_error("the trace package cannot read " + target_.file + " in " +
+                               package_->DumpDirectory());
+    }
+    return target_.file;
+  }
   if (target_.sid < 0 || target_.serial < 0) {
     throw std::runtime_error("give --file NAME, or --sid N and --serial N");
   }

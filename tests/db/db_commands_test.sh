@@ -57,6 +57,11 @@ for via in package diag; do
     "$(db xml --file orcl_ora_4242.trc --via $via --aggregate)"
 done
 
+check "a file the package cannot read" \
+  "pelicor: the trace package cannot read missing.trc in /u01/app/oracle/diag/rdbms/orcl/orcl/trace" \
+  "$(db report --file missing.trc --via package)"
+check "a file the view does not show" "pelicor: cannot read missing.trc" \
+  "$(db get --file missing.trc --via diag -o "$work/out")"
 check "get refuses a name that leaves the directory" \
   "pelicor: refusing to write the trace file name ../x.trc" \
   "$(db get --file ../x.trc -o "$work/out")"
