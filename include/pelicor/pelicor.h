@@ -74,7 +74,11 @@ PELICOR_API int pelicor_FtpParseFileEx(pelicor* p, const char* fileName, unsigne
 PELICOR_API int pelicor_NfsParseFileEx(pelicor* p, const char* fileName, unsigned short count,
                                        unsigned short flag, char** outputXML, char** msg);
 
-/* Session start-up and validation. */
+/* Session start-up and validation.
+ * The UTL forms read the trace through the database: oracleHandle is the host's OCI service
+ * context (OCISvcCtx*, at full width; 0 logs on with username/password/dsn), ver its release
+ * (92 is 9.2), sid "SID,SERIAL#" of the session (used when PID is empty or NULL). The Oracle
+ * client library is loaded at run time: libclntsh.so / oci.dll, or PELICOR_OCI_LIBRARY. */
 PELICOR_API int pelicor_ZantivFtpTrcStartUp(pelicor* p, const char* hostname, const char* username,
                                             const char* password, const char* udump,
                                             const char* PID, char** outputXML, char** msg);

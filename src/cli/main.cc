@@ -1,5 +1,5 @@
 // pelicor: Oracle SQL trace files to TKPROF-style reports and XML, from local files, a mounted
-// dump directory or an FTP server.
+// dump directory, an FTP server or a database connection.
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "cli/db_commands.h"
 #include "cli/ftp_commands.h"
 #include "cli/local_commands.h"
 #include "cli/share_commands.h"
@@ -76,6 +77,7 @@ int main(int argc, char** argv) {
   cli::AddLocalCommands(app);
   cli::AddShareCommands(app);
   cli::AddFtpCommands(app);
+  cli::AddDbCommands(app);
   const ActivityLogCloser log_closer;
   try {
     app.parse(argc, argv);

@@ -28,8 +28,4 @@ std::uint8_t BatchFlags(std::uint16_t flag) {
   return static_cast<std::uint8_t>(flag & 0xFFu);
 }
 
-void ThrowUnavailable(const char* method, const char* message) {
-  throw exceptions::ExceptionBase("Pelicor", "CPelicor", method, message);
-}
-
 }  // namespace facade

@@ -83,9 +83,6 @@ std::string XmlFileName(const std::string& trace_file_name);
 // The low byte of the batch parse flags: the only bits the parser knows.
 std::uint8_t BatchFlags(std::uint16_t flag);
 
-// Raises the failure of a transport this build does not have, with `message`.
-[[noreturn]] void ThrowUnavailable(const char* method, const char* message);
-
 }  // namespace facade
 
 #endif  // PELICOR_FACADE_METHOD_RULES_H_

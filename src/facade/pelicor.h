@@ -111,6 +111,10 @@ class CPelicor {
   // --- Session validation and start-up ---------------------------------------------------------
   // Prove that the transport finds the trace file of `PID`; remember the file, its size as the
   // start offset and the transport. The stored connection data are not changed.
+  // UTL: `oracleHandle` is the host's OCI service context (0: log on with username, password
+  // and dsn), `ver` its release (92 is 9.2); the process is `PID`, or when that is empty the
+  // one serving session `sid` ("SID,SERIAL#"). `udump` must be given but the package reads the
+  // server's own user_dump_dest.
   int NfsValidation(const char* udump, const char* PID, std::string* msg);
   int FtpValidation(const char* hostname, const char* username, const char* password,
                     const char* udump, const char* PID, std::string* msg);
@@ -129,7 +133,8 @@ class CPelicor {
                           const char* PID, const char* marker, std::string* outputXML,
                           std::string* msg);
   // Parses the remembered trace file from the start offset through the remembered transport
-  // and writes the sorted XML of the one statement whose SQL text holds `statement_id`.
+  // (UTL: from the line after the one holding the start-up's `marker`) and writes the sorted
+  // XML of the one statement whose SQL text holds `statement_id`.
   // Before any validation or start-up it does nothing and answers "OK".
   int ZantivGetTraceInfo(const char* statement_id, const char* OraVer, std::string* msg);
 

@@ -14,6 +14,11 @@ class LineSource {
   virtual ~LineSource() = default;
   // Opens `name` for reading from byte `offset`; false when it cannot be opened.
   virtual bool OpenLines(const std::string& name, std::uint64_t offset) = 0;
+  // Opens `name` for reading after the one line that holds `marker` (the whole file when
+  // `marker` is empty). Only the database-side reader can; the others answer false.
+  virtual bool OpenLinesAfterMarker(const std::string& /*name*/, const std::string& /*marker*/) {
+    return false;
+  }
   // The next line, ending in one "\n", in *line; false at the end of the data. The text stays
   // valid until the next call.
   virtual bool ReadNextLine(std::string_view* line) = 0;

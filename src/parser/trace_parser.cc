@@ -114,8 +114,13 @@ void CTraceParser::ParseStreamFrom(LineSource& source, const std::string& name,
 }
 
 void CTraceParser::ParseDatabaseReader(LineSource& reader, const std::string& name,
-                                       std::uint64_t offset) {
-  ParseSource(reader, SourceMode::kDatabaseReader, name, offset, 0);
+                                       const std::string& marker) {
+  trace_file_name_ = name;
+  // The package starts reading after the marker line: no head can be had this way, so the
+  // release comes from the tim values alone.
+  if (!reader.OpenLinesAfterMarker(name, marker))
+    Raise("OpenLines", "Trace parser failed to open parse file!");
+  ReadOpenedSource(reader, SourceMode::kDatabaseReader, 0);
 }
 
 // The head is asked for before the stream opens: an FTP session carries one transfer at a time.
@@ -125,6 +130,10 @@ void CTraceParser::ParseSource(LineSource& source, SourceMode mode, const std::s
   TakeBannerFromSourceHead(source, name, offset);
   if (!source.OpenLines(name, offset))
     Raise("OpenLines", "Trace parser failed to open parse file!");
+  ReadOpenedSource(source, mode, flags);
+}
+
+void CTraceParser::ReadOpenedSource(LineSource& source, SourceMode mode, std::uint8_t flags) {
   const StreamScope scope(&stream_, &source, true);
   source_mode_ = mode;
   stream_at_end_ = false;

@@ -78,9 +78,10 @@ class CTraceParser {
   // ParseBatch does for a file. `source` is used during the call only.
   virtual bool ParseStreamBatch(LineSource& source, const std::string& name, std::uint16_t limit,
                                 std::uint8_t flags);
-  // The whole file through the database-side reader, as ParseStream.
+  // The whole file through the database-side reader, as ParseStream, from the line after the
+  // one that holds `marker` (the host wrote it into the trace when it started its work).
   virtual void ParseDatabaseReader(LineSource& reader, const std::string& name,
-                                   std::uint64_t offset);
+                                   const std::string& marker);
 
   // Called with the number of bytes of a local file read so far, once for each block read.
   using ProgressCallback = std::function<void(std::uint64_t bytes_read)>;
@@ -218,6 +219,8 @@ class CTraceParser {
   void TakeBannerFromSourceHead(LineSource& source, const std::string& name, std::uint64_t offset);
   void ParseSource(LineSource& source, SourceMode mode, const std::string& name,
                    std::uint64_t offset, std::uint8_t flags);
+  // Parses to the end of a source that is open already.
+  void ReadOpenedSource(LineSource& source, SourceMode mode, std::uint8_t flags);
   // What a batch call answers once the input has ended: see ParseBatch.
   bool CloseAfterEnd(std::int64_t n, std::uint16_t limit);
   void TakeRelease(std::string_view line);

@@ -1,5 +1,5 @@
 // The argument checks of the session methods (a null string is missing, an empty one is not),
-// and what the methods of the transports this build lacks answer and leave behind.
+// and what the UTL methods leave behind when they cannot connect.
 #include <functional>
 #include <string>
 #include <vector>
@@ -11,7 +11,8 @@ namespace {
 
 // An empty text passes the checks and is refused by the FTP transport before any traffic.
 constexpr const char* kFtpEmpty = "hostname/username/password/udump, one of them is empty!";
-constexpr const char* kNoUtl = "UTL transport is not available in this build";
+// Without a handle or a user name there is nothing to connect with; no client library is loaded.
+constexpr const char* kNoUtl = "UTL failed to connect to Oracle using OCI dll!";
 constexpr const char* kPidMissing = "PID is empty or NULL!";
 
 class SessionChecksTest : public FacadeTest {};
@@ -40,7 +41,7 @@ std::vector<CheckRow> CheckRows() {
        "udump can not be empty or NULL! Check registry setting.", nfs_later},
       {"UtlValidation sid",
        [](auto& s, auto b, auto, auto m) {
-         return s.UtlValidation(1, 92, "u", "p", "tns", "/d", b, "1", m);
+         return s.UtlValidation(0, 92, "", "p", "tns", "/d", b, "1", m);
        },
        "username/pwd/tns/udump/sid is empty or NULL!", kNoUtl},
       {"ZantivFtpTrcStartUp password",
@@ -54,7 +55,7 @@ std::vector<CheckRow> CheckRows() {
        "NFS failed to open trace file for the session!"},
       {"ZantivUtlTrcStartUp username",
        [](auto& s, auto b, auto o, auto m) {
-         return s.ZantivUtlTrcStartUp(1, 92, b, "p", nullptr, "/d", nullptr, nullptr, nullptr, o,
+         return s.ZantivUtlTrcStartUp(0, 92, b, "p", nullptr, "/d", nullptr, nullptr, nullptr, o,
                                       m);
        },
        "username/password/udump can not be empty! Check registry setting.", kNoUtl},
@@ -78,24 +79,30 @@ TEST_F(SessionChecksTest, NullIsMissingAndEmptyIsNot) {
 }
 
 // UTL is chosen before connecting, so a failed validation still names it, and the statement
-// document then needs the UTL transport.
+// document then needs the UTL connection. The start-up keeps what it was given.
 TEST_F(SessionChecksTest, UtlMethodsRecordTheirChoiceThenFail) {
-  EXPECT_EQ(service_.UtlValidation(1, 92, "u", "p", "tns", "/d", "orcl", "1", &msg_), 1);
+  EXPECT_EQ(service_.UtlValidation(0, 92, "", "p", "tns", "/d", "orcl", "1", &msg_), 1);
   EXPECT_EQ(msg_, kNoUtl);
   EXPECT_EQ(service_.Transport(), facade::kUtl);
   EXPECT_EQ(service_.ZantivGetTraceInfo("select", "9.2.0.4.0", &msg_), 1);
   EXPECT_EQ(msg_, kNoUtl);
 
+  // Release 7 is refused before any client library is looked for.
   const std::uint64_t handle = 0x1234567890ULL;
-  EXPECT_EQ(service_.ZantivUtlTrcStartUp(handle, 8, "scott", "tiger", "orcl", "/d", "orcl", "1",
+  EXPECT_EQ(service_.ZantivUtlTrcStartUp(handle, 73, "scott", "tiger", "orcl", "/d", "orcl", "1",
                                          "marker", &out_, &msg_),
             1);
+  EXPECT_EQ(msg_,
+            "Oracle release 7.3 is not supported: the version 8 call interface (Oracle 8.0 or "
+            "later) is needed.");
   EXPECT_EQ(service_.UtlInfo().oracle_handle, handle);  // full width
-  // A one-digit ver has no major number: the minor number plus one takes its place.
-  EXPECT_EQ(service_.UtlInfo().release.major, 9);
-  EXPECT_EQ(service_.UtlInfo().release.minor, 8);
   EXPECT_EQ(service_.UtlInfo().user_name, "scott");
   EXPECT_EQ(service_.UtlInfo().dsn, "orcl");
+  // A one-digit ver has no major number: the minor number plus one takes its place.
+  EXPECT_EQ(service_.ZantivUtlTrcStartUp(0, 8, "", "", "", "/d", "", "", "", &out_, &msg_), 1);
+  EXPECT_EQ(msg_, kNoUtl);
+  EXPECT_EQ(service_.UtlInfo().release.major, 9);
+  EXPECT_EQ(service_.UtlInfo().release.minor, 8);
 }
 
 // Before any validation or start-up there is nothing to read and nothing is written.
