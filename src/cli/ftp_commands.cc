@@ -14,6 +14,7 @@
 #include "cli/progress.h"
 #include "cli/scratch_dir.h"
 #include "cli/trace_jobs.h"
+#include "support/exceptions.h"
 #include "transport/ftp_manager/ftp_manager.h"
 
 namespace cli {
@@ -28,7 +29,8 @@ struct Connection {
   std::string udump;
   std::string password;
   std::string password_file;
-  bool passive = false;
+  bool active = false;
+  bool passive = false;  // the default; kept so that older scripts still run
   int timeout = 30;
 };
 
@@ -49,7 +51,10 @@ std::string Password(const Connection& connection) {
                            kPasswordVariable);
 }
 
-// A manager logged on to the dump directory, writing into `work_dir`.
+// A manager logged on to the dump directory, writing into `work_dir`. A failed log-on says
+// why in the client's words after the message every host knows:
+//   FTP failed to logon with the given info! Check ftp hostname/username/password.
+//   (db01:21: Can not resolve host adress)
 std::unique_ptr<transport::CFtpManager> Connect(const Connection& connection,
                                                 const std::string& work_dir) {
   const std::string password = Password(connection);
@@ -57,9 +62,15 @@ std::unique_ptr<transport::CFtpManager> Connect(const Connection& connection,
   manager->SetConnectInfo(connection.host.c_str(), connection.user.c_str(), password.c_str(),
                           connection.udump.c_str());
   manager->SetWorkDir(work_dir);
-  manager->SetPassiveMode(connection.passive);
+  if (connection.active) manager->SetPassiveMode(false);
   manager->SetTimeOut(connection.timeout);
-  manager->Init();
+  try {
+    manager->Init();
+  } catch (const exceptions::ExceptionBase& e) {
+    if (manager->LastFailureReason().empty()) throw;
+    throw std::runtime_error(e.Message() + " (" + connection.host + ": " +
+                             manager->LastFailureReason() + ")");
+  }
   return manager;
 }
 
@@ -81,10 +92,20 @@ void AddConnectionOptions(CLI::App& command, Connection& connection) {
       .add_option("--password", connection.password,
                   "The password itself; discouraged: other users can see it in the process list")
       ->group("Connection");
-  command.add_flag("--passive", connection.passive, "Passive data connections (PASV)")
+  command
+      .add_flag("--active", connection.active,
+                "Active data connections only (PORT): the server connects back to us")
       ->group("Connection");
-  command.add_option("--timeout", connection.timeout, "Seconds to wait for the server")
+  command
+      .add_flag("--passive", connection.passive,
+                "Passive data connections (EPSV, PASV; the default, active only when the "
+                "server refuses both)")
+      ->group("Connection");
+  command
+      .add_option("--timeout", connection.timeout,
+                  "Seconds an operation may wait for the server (1 to 86400)")
       ->capture_default_str()
+      ->check(CLI::Range(1, 86400))
       ->group("Connection");
 }
 
@@ -127,6 +148,7 @@ struct FileArgs {
   Connection connection;
   std::string name;  // a process id for find, a file name for the others
   std::string directory = ".";
+  std::uint64_t max_size = 0;  // get: the most bytes to take; 0 without limit
 };
 
 void AddFind(CLI::App& ftp) {
@@ -154,7 +176,8 @@ void RunGet(const FileArgs& args) {
   manager->OpenDataStream(args.name, 0);
   ProgressMeter progress("fetching " + args.name, manager->GetFileSize(args.name));
   try {
-    manager->SaveDataStream(target, [&progress](std::uint64_t done) { progress.Update(done); });
+    manager->SaveDataStream(
+        target, [&progress](std::uint64_t done) { progress.Update(done); }, args.max_size);
   } catch (...) {
     std::error_code ignored;
     std::filesystem::remove(target, ignored);  // no half a trace left behind
@@ -171,6 +194,9 @@ void AddGet(CLI::App& ftp) {
   get->add_option("-o,--output-dir", args->directory, "Copy into DIR")
       ->option_text("DIR")
       ->capture_default_str();
+  get->add_option("--max-size", args->max_size,
+                  "Stop with an error once more than BYTES arrive (a server that never ends)")
+      ->option_text("BYTES");
   get->callback([args] { RunGet(*args); });
 }
 
