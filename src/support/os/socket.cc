@@ -228,6 +228,10 @@ bool CloseSocket(SocketHandle socket) {
   return closesocket(ToNative(socket)) == 0;
 }
 
+bool ShutdownSend(SocketHandle socket) {
+  return shutdown(ToNative(socket), SD_SEND) == 0;
+}
+
 int WaitReadable(SocketHandle socket, int timeout_ms) {
   fd_set readable;
   FD_ZERO(&readable);
@@ -305,6 +309,10 @@ SocketHandle OpenStreamSocket(bool v6) {
 
 bool CloseSocket(SocketHandle socket) {
   return close(ToNative(socket)) == 0;
+}
+
+bool ShutdownSend(SocketHandle socket) {
+  return shutdown(ToNative(socket), SHUT_WR) == 0;
 }
 
 int WaitReadable(SocketHandle socket, int timeout_ms) {

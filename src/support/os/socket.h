@@ -46,6 +46,8 @@ std::string AddressText(const Endpoint& endpoint);
 
 SocketHandle OpenStreamSocket(bool v6);
 bool CloseSocket(SocketHandle socket);
+// Ends our sending half: the peer reads the end of the data, and can still send to us.
+bool ShutdownSend(SocketHandle socket);
 bool Connect(SocketHandle socket, const Endpoint& peer);
 // Connects within `timeout_ms` (negative: the system's own limit): 1 connected, 0 time-out,
 // -1 refused or failed. The socket is blocking again afterwards.
