@@ -132,7 +132,8 @@ TEST_F(FtpManagerTest, StreamCutOffWithoutItsFinalReplyFails) {
   manager->CloseLines();  // nothing more to wait for
 }
 
-// A data connection that stalls fails after one time-out, and closing it waits no more.
+// A data connection that stalls fails after one time-out, and closing it (and the session)
+// waits no more.
 TEST_F(FtpManagerTest, StalledStreamFailsWithinOneTimeOut) {
   auto manager = Connect("data_stall", "udump", FtpDataMode::kPassiveThenActive, 1);
   const auto start = std::chrono::steady_clock::now();
@@ -140,6 +141,7 @@ TEST_F(FtpManagerTest, StalledStreamFailsWithinOneTimeOut) {
   EXPECT_NE(Raised([&] { ReadAllLines(*manager); }).find("Connection on data-port failed"),
             std::string::npos);
   EXPECT_NE(Raised([&] { manager->CloseDataStream(); }), "");
+  manager->Close();  // no QUIT the stalled server would never answer
   EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), 2.5);
 }
 
@@ -182,10 +184,12 @@ TEST_F(FtpManagerTest, FindsTheTraceFileOfASession) {
       {"00077", failure + "did not find a unique converted trace file for the session!"},
   };
   for (const std::string& server : RealServers()) {
-    for (const auto& [session, expected] : cases) {
-      SCOPED_TRACE(server + " " + session);
-      auto manager = Connect(server, "lookup");
-      EXPECT_EQ(Lookup(*manager, session), expected);
+    for (const FtpDataMode mode : {FtpDataMode::kPassive, FtpDataMode::kActive}) {
+      auto manager = Connect(server, "lookup", mode);
+      for (const auto& [session, expected] : cases) {
+        SCOPED_TRACE(server + (mode == FtpDataMode::kPassive ? " passive " : " active ") + session);
+        EXPECT_EQ(Lookup(*manager, session), expected);
+      }
       manager->Close();
     }
   }

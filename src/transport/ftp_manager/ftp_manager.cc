@@ -158,6 +158,10 @@ void CFtpManager::Init() {
 void CFtpManager::Close() {
   const SessionBinding bound(*this);
   FinishSizeProbe();
+  if (broken_) {
+    broken_ = false;
+    if (FtpCloseConnection() == kFtpOk) return;
+  }
   if (FtpQuit() != kFtpOk && FtpCloseConnection() != kFtpOk) {
     Raise(kRetrieveClass, "FtpCloseDataConnection", "FTP failed to close connection");
   }

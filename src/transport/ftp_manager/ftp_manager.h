@@ -59,6 +59,8 @@ class CFtpManager : public parser::LineSource {
   // flag once the directory change has too.
   virtual void Init();
   // Ends the FTP session (QUIT, or closing the connections when QUIT fails). Flags stay set.
+  // After a transfer that failed half-way (a stalled or cut-off stream) the connections are
+  // closed without QUIT: a server that stopped answering would hold it a whole time-out.
   virtual void Close();
 
   // Opens a binary data connection that retrieves `remote` from byte `offset`. When the server
@@ -88,7 +90,9 @@ class CFtpManager : public parser::LineSource {
   virtual const std::string& GetWorkDir() const { return work_dir_; }
 
   // Writes the listing of `pattern` into the work directory's "FtpTraceFileList.txt": mode 0
-  // names only (NLST), mode 1 the server's long form (LIST); any other mode does nothing.
+  // names only (NLST), mode 1 the server's long form (LIST); any other mode does nothing. A
+  // server that refuses patterns (pyftpdlib: 550) lists the whole directory instead and the
+  // lines whose names match are kept.
   virtual void GetFileList(std::uint16_t mode, const std::string& pattern);
   // The size of `name` (low 32 bits). With a data stream open: the size announced for that
   // stream (0 when none). Otherwise the server is asked with SIZE; only a server that refuses
@@ -176,6 +180,7 @@ class CFtpManager : public parser::LineSource {
   bool data_stream_open_ = false;
   bool size_probe_open_ = false;
   bool stream_finished_ = false;  // ReadNextLine has read the stream's final reply
+  bool broken_ = false;           // a transfer failed half-way: the server may answer nothing
   std::string failure_reason_;
   FtpSessionPtr session_;
   int bound_depth_ = 0;

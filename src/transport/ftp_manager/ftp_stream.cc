@@ -1,6 +1,7 @@
 // The data-stream half of CFtpManager: a file read through one data connection, as lines for
 // the parser or as blocks into a local file, and the sizes servers announce for it.
 #include <string>
+#include <vector>
 
 #include "support/os/file_handle.h"
 #include "transport/ftp/ftp_client.h"
@@ -17,6 +18,7 @@ namespace {
 
 // Compact the pending text once this much of it has been handed out.
 constexpr std::size_t kCompactAfter = 64 * 1024;
+constexpr std::size_t kCopyBlockSize = 256 * 1024;
 
 }  // namespace
 
@@ -78,6 +80,7 @@ const char* CFtpManager::ReadLine() {
     const int result = FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_);
     if (result == kFtpDataClosed) return nullptr;
     if (result != kFtpOk) {
+      broken_ = true;
       Raise("CFtpManager::ReadLine", "FtpRecvThroughDataConnection",
             "FTP failed to read the data stream of " + stream_name_ + " from " + host_ + ": " +
                 FtpErrorString(result));
@@ -131,13 +134,16 @@ std::uint64_t CFtpManager::SaveDataStream(const std::string& local_path,
   const os::FileHandle file = os::CreateFileForWrite(local_path);
   if (file == os::kNoFile) Raise("NfsManger::GetTraceFileList", "_lcreat", os::LastFileErrorText());
   std::uint64_t written = 0;
+  // Blocks far larger than the line reader's: a copy is bound by system calls per byte.
+  std::vector<char> block(kCopyBlockSize);
   for (;;) {
-    buffer_length_ = kBufferSize;
-    const int result = FtpRecvThroughDataConnection(buffer_.data(), &buffer_length_);
+    int length = static_cast<int>(block.size());
+    const int result = FtpRecvThroughDataConnection(block.data(), &length);
     if (result == kFtpDataClosed) break;
-    const auto size = static_cast<std::size_t>(buffer_length_);
+    const auto size = static_cast<std::size_t>(length);
     if (result != kFtpOk ||
-        os::WriteToFile(file, buffer_.data(), size) != static_cast<std::ptrdiff_t>(size)) {
+        os::WriteToFile(file, block.data(), size) != static_cast<std::ptrdiff_t>(size)) {
+      broken_ = true;
       const std::string why = result != kFtpOk ? FtpErrorString(result) : os::LastFileErrorText();
       os::CloseFile(file);
       Raise(kRetrieveClass, "FtpRecvThroughDataConnection",
@@ -145,6 +151,7 @@ std::uint64_t CFtpManager::SaveDataStream(const std::string& local_path,
     }
     written += size;
     if (max_bytes > 0 && written > max_bytes) {
+      broken_ = true;
       os::CloseFile(file);
       Raise(kRetrieveClass, "FtpRecvThroughDataConnection",
             "FTP stopped copying " + stream_name_ + " to " + local_path +
@@ -184,6 +191,7 @@ void CFtpManager::FinishStream() {
   const SessionBinding bound(*this);
   data_stream_open_ = false;
   if (FtpCloseDataConnection() != kFtpOk) {
+    broken_ = true;
     Raise(kRetrieveClass, "FtpCloseDataConnection", "FTP failed to close Data connection");
   }
 }
