@@ -86,6 +86,13 @@ for job in "xml" "xml --aggregate" "report"; do
     "pelicor: FTP failed to close Data connection 1" \
     "$("$pelicor" ftp $job ora_1.trc $(fault cut_off) 2>&1 >/dev/null) $?"
 done
+# One time-out for the whole stalled transfer (it took two, and three for a listing).
+start=$SECONDS
+out=$("$pelicor" ftp xml ora_1.trc $(fault data_stall) --timeout 1 2>&1 >/dev/null)
+status=$?
+check "xml of a stalled transfer fails within the time-out" \
+  "pelicor: FTP failed to read the data stream of ora_1.trc from $(fault data_stall | cut -d' ' -f2): Connection on data-port failed 1 fast" \
+  "$out $status $([ $((SECONDS - start)) -le 3 ] && echo fast)"
 mkdir "$work/endless"
 check "get stops past --max-size" \
   "pelicor: FTP stopped copying x.trc to $work/endless/x.trc: the server sent more than 5000 bytes (the most allowed) 1" \
