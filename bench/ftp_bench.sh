@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # FTP download figures on loopback: a generated trace served by proftpd (scripts/ftp/servers.sh),
-# fetched by FtpGetTraceFile through the C ABI (ASCII mode, as the contract fetches) and by
+# fetched by FtpGetTraceFile through the C ABI (in ASCII mode, as that method fetches) and by
 # `pelicor ftp get` (binary), against `cp` of the same file. Prints MB/s of each and its ratio
 # to cp; judges nothing.
 # Usage: bench/ftp_bench.sh [BUILD_DIR=build/release] [MEGABYTES=300] [REPEATS=3]
@@ -45,7 +45,9 @@ best_of() {  # best_of COMMAND...: the fewest seconds of REPEATS runs
   done
   echo "$best"
 }
-abi_seconds() { "$abi" "$host" "$user" "$password" traces "$work/out" bench.trc | awk '$2 == "OK" {print $1}'; }
+abi_seconds() {
+  "$abi" "$host" "$user" "$password" traces "$work/out" bench.trc | awk '$2 == "OK" {print $1}'
+}
 cli_seconds() {
   PELICOR_FTP_PASSWORD=$password seconds_of "$pelicor" ftp get bench.trc --host "$host" \
     --user "$user" --udump traces -o "$work/out"

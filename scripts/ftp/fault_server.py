@@ -231,7 +231,8 @@ class Extended(Session):
         self.data_listener = socket.socket()
         self.data_listener.bind(("127.0.0.1", 0))
         self.data_listener.listen(1)
-        self.reply("229 Entering Extended Passive Mode (|||%d|)" % self.data_listener.getsockname()[1])
+        port = self.data_listener.getsockname()[1]
+        self.reply("229 Entering Extended Passive Mode (|||%d|)" % port)
 
     def on_EPRT(self, arg):
         _, proto, address, port, _ = arg.split("|")

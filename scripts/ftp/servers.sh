@@ -124,7 +124,8 @@ fetch_vsftpd() {
   tmp=$(mktemp -d)
   chmod 0777 "$tmp"  # apt's download user writes there
   mkdir -p "$cache/vsftpd"
-  if (cd "$tmp" && apt-get download vsftpd >/dev/null 2>&1) && dpkg -x "$tmp"/vsftpd_*.deb "$cache/vsftpd"; then
+  if (cd "$tmp" && apt-get download vsftpd >/dev/null 2>&1) &&
+    dpkg -x "$tmp"/vsftpd_*.deb "$cache/vsftpd"; then
     echo "ftp servers: vsftpd unpacked into $cache/vsftpd" >&2
   else
     echo "ftp servers: vsftpd could not be had; its tests will skip" >&2
@@ -173,7 +174,8 @@ CONF
   echo $! >"$dir/vsftpd.wrapper.pid"
   # vsftpd writes no pid file: wait until its port answers.
   for _ in $(seq 1 50); do
-    if "$python" -c 'import socket,sys; socket.create_connection(("127.0.0.1", int(sys.argv[1])), 1).close()' "$port" 2>/dev/null; then
+    if "$python" -c 'import socket, sys
+socket.create_connection(("127.0.0.1", int(sys.argv[1])), 1).close()' "$port" 2>/dev/null; then
       echo anonymous >"$dir/vsftpd.user"
       echo pelicor@ >"$dir/vsftpd.password"
       echo "$port" >"$dir/vsftpd.port"

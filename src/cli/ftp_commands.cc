@@ -155,7 +155,8 @@ void AddFind(CLI::App& ftp) {
   CLI::App* find = nullptr;
   auto args = AddCommand<FileArgs>(
       ftp, "find", "Find the trace file of a server process; prints its name and size", &find);
-  find->add_option("PID", args->name, "The server process id; the server lists PID*.trc")
+  find->add_option("PID", args->name,
+                   "The server process id: PID*.trc, else *PID*.trc (orcl_ora_PID.trc)")
       ->required();
   find->callback([args] {
     ScratchDir scratch;
