@@ -23,7 +23,9 @@ class Deadline {
     Deadline deadline;
     if (seconds == 0) return deadline;
     deadline.limited_ = true;
-    deadline.at_ = Clock::now() + std::chrono::seconds(std::max<std::int64_t>(seconds, 0));
+    // Beyond 68 years nobody waits; the clock's arithmetic must not overflow either.
+    const std::int64_t bounded = std::clamp<std::int64_t>(seconds, 0, INT_MAX);
+    deadline.at_ = Clock::now() + std::chrono::seconds(bounded);
     return deadline;
   }
   static Deadline Now() { return After(-1); }
