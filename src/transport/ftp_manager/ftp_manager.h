@@ -124,8 +124,8 @@ class CFtpManager : public parser::LineSource {
   std::uint64_t SaveDataStream(const std::string& local_path,
                                const std::function<void(std::uint64_t)>& progress,
                                std::uint64_t max_bytes = 0);
-  // Why the last log-on failed, in the client's words: "Can not resolve host adress", or a
-  // server's refusal with its reply line. Empty when nothing failed.
+  // Why the last Init failed (log-on or change of directory), in the client's words: "Can
+  // not resolve host adress", or a server's refusal with its reply line. Empty when it did not.
   const std::string& LastFailureReason() const { return failure_reason_; }
 
   // --- parser::LineSource: the parser's stream forms read through the data stream ----------
