@@ -53,6 +53,10 @@ cli_seconds() {
     --user "$user" --udump traces -o "$work/out"
 }
 
+curl_seconds() {  # another client, for what the server itself can give (ASCII: --use-ascii)
+  seconds_of curl -s "$@" "ftp://$user:$password@$host/traces/bench.trc" -o "$work/out/bench.trc"
+}
+
 cp_s=$(best_of seconds_of cp "$trace" "$work/out/bench.trc")
 abi_s=$(best_of abi_seconds)
 cli_s=$(best_of cli_seconds)
@@ -64,3 +68,7 @@ echo "$((bytes >> 20)) MB trace from proftpd on 127.0.0.1, best of $repeats:"
 report "cp" "$cp_s"
 report "FtpGetTraceFile (C ABI, ASCII mode)" "$abi_s"
 report "pelicor ftp get (binary)" "$cli_s"
+if command -v curl >/dev/null; then
+  report "curl, for comparison (ASCII mode)" "$(best_of curl_seconds --use-ascii)"
+  report "curl, for comparison (binary)" "$(best_of curl_seconds)"
+fi
