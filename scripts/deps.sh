@@ -5,7 +5,8 @@ set -euo pipefail
 kind=${1:-test}
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
 if [ "$kind" = test ]; then
-  packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl)
+  packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
+            libwrap0 libnsl2 libpam0g libcap2)  # what the unpacked vsftpd links against
   # The Windows build with its COM server (widl takes the base IDL files from libwine-dev and
   # stdole2.tlb from wine64) and its tests under Wine.
   packages+=(mingw-w64 mingw-w64-tools libwine-dev wine wine64)
@@ -14,9 +15,15 @@ missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
 done
-[ ${#missing[@]} -eq 0 ] && exit 0
+# vsftpd is never installed (it would remove proftpd-basic): its package is unpacked aside.
+fetch_vsftpd() { [ "$kind" != test ] || "$(dirname "$0")/ftp/servers.sh" fetch || true; }
+if [ ${#missing[@]} -eq 0 ]; then
+  fetch_vsftpd
+  exit 0
+fi
 echo "installing: ${missing[*]}" >&2
 sudo=""
 [ "$(id -u)" -eq 0 ] || sudo=sudo
 $sudo apt-get update -qq
 DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fetch_vsftpd

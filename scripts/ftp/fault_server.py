@@ -13,6 +13,7 @@ import socket
 import struct
 import sys
 import threading
+import time
 
 FILE_SIZE = 10000
 
@@ -175,7 +176,9 @@ class NulBytes(Session):
 
 
 class ContinuationWithoutCode(Session):
-    greeting = b"220-Welcome\r\n to the\r\n fault server\r\n220 Ready\r\n"
+    # "2024 maintenance..." starts with a digit but is no reply code: only "220 " ends it.
+    greeting = (b"220-Welcome\r\n to the\r\n fault server\r\n2024 maintenance window: Saturday\r\n"
+                b"220-2\r\n220 Ready\r\n")
 
     def on_PWD(self, arg):
         self.send(b'257-"/udump" is the current directory\r\n and more\r\n257 End\r\n')
@@ -203,6 +206,112 @@ class HostileListing(Session):
                        "150 Opening ASCII mode data connection for file list")
 
 
+class PasvBlanks(Session):
+    """Blanks around the numbers of the 227 reply, as some servers write it."""
+
+    def on_PASV(self, arg):
+        self.data_listener = socket.socket()
+        self.data_listener.bind(("127.0.0.1", 0))
+        self.data_listener.listen(1)
+        port = self.data_listener.getsockname()[1]
+        self.reply("227 Entering Passive Mode (127,0,0,1, %d, %d)" % (port >> 8, port & 255))
+
+
+class PasvRefused(Session):
+    """Neither EPSV (unknown) nor PASV: only active data connections."""
+
+    def on_PASV(self, arg):
+        self.reply("502 Passive mode not allowed.")
+
+
+class Extended(Session):
+    """EPSV and EPRT (RFC 2428), for a client that reached us over IPv6."""
+
+    def on_EPSV(self, arg):
+        self.data_listener = socket.socket()
+        self.data_listener.bind(("127.0.0.1", 0))
+        self.data_listener.listen(1)
+        port = self.data_listener.getsockname()[1]
+        self.reply("229 Entering Extended Passive Mode (|||%d|)" % port)
+
+    def on_EPRT(self, arg):
+        _, proto, address, port, _ = arg.split("|")
+        self.active_target = (address, int(port))
+        self.reply("200 EPRT command successful.")
+
+
+class Stranger(Session):
+    """Someone else (127.0.0.2) connects to the announced port first and sends junk."""
+
+    def on_PORT(self, arg):
+        Session.on_PORT(self, arg)
+        stranger = socket.socket()
+        stranger.bind(("127.0.0.2", 0))
+        stranger.connect(self.active_target)
+        stranger.sendall(b"INJECTED BY A STRANGER\n")
+        self.stranger = stranger
+
+
+class TlsRequired(Session):
+    def on_USER(self, arg):
+        self.reply("530 Non-anonymous sessions must use encryption.")
+
+
+class Dribble(Session):
+    """A greeting that never ends: one byte now and then."""
+
+    def run(self):
+        self.send(b"220-")
+        while True:
+            time.sleep(0.2)
+            self.send(b"x")
+
+
+class EndlessLine(Session):
+    def run(self):
+        self.send(b"220 ")
+        while True:
+            self.send(b"x" * 4096)
+
+
+class EndlessLines(Session):
+    def run(self):
+        while True:
+            self.send(b"220-still greeting you\r\n" * 100)
+
+
+class DataStall(Session):
+    """Sends a little of the file, then neither data nor a reply: both connections stay open."""
+
+    def on_RETR(self, arg):
+        self.reply("150 Opening BINARY mode data connection for %s (%d bytes)" % (arg, FILE_SIZE))
+        self.stalled = self.open_data()
+        self.stalled.sendall(b"line 1\nline 2\n")
+        time.sleep(30)
+        return False
+
+
+class CutOff(Session):
+    """Announces 5000 bytes, sends 3000, then drops both connections without a final reply."""
+
+    def on_RETR(self, arg):
+        self.reply("150 Opening BINARY mode data connection for %s (5000 bytes)" % arg)
+        data = self.open_data()
+        data.sendall(b"".join(b"line %05d\n" % i for i in range(300)))
+        data.close()
+        return False
+
+
+class EndlessData(Session):
+    """Announces 5000 bytes and never stops sending."""
+
+    def on_RETR(self, arg):
+        self.reply("150 Opening BINARY mode data connection for %s (5000 bytes)" % arg)
+        data = self.open_data()
+        while True:
+            data.sendall(b"x" * 65536)
+
+
 SCENARIOS = {
     "normal": Session,
     "normal_active": Session,
@@ -217,6 +326,17 @@ SCENARIOS = {
     "continuation_without_code": ContinuationWithoutCode,
     "rest_refused": RestRefused,
     "hostile_listing": HostileListing,
+    "pasv_blanks": PasvBlanks,
+    "pasv_refused": PasvRefused,
+    "extended": Extended,
+    "stranger": Stranger,
+    "tls_required": TlsRequired,
+    "dribble": Dribble,
+    "endless_line": EndlessLine,
+    "endless_lines": EndlessLines,
+    "data_stall": DataStall,
+    "cut_off": CutOff,
+    "endless_data": EndlessData,
 }
 
 

@@ -1,21 +1,29 @@
 #!/usr/bin/env bash
 # Starts and stops the FTP servers the transport tests talk to, all on 127.0.0.1 only:
-# proftpd (a real daemon), pyftpdlib (a second real server with other habits) and the
-# fault-injecting server of fault_server.py.
+# proftpd (a real daemon), pyftpdlib (a second real server with other habits), vsftpd (a
+# third, when its binary can be had) and the fault-injecting server of fault_server.py.
 #
 #   scripts/ftp/servers.sh start LINK   creates a state folder under /tmp, starts the servers,
 #                                       and points the symbolic link LINK at the folder
 #   scripts/ftp/servers.sh stop LINK    stops every server, removes the folder and LINK
+#   scripts/ftp/servers.sh fetch        unpacks vsftpd into the cache folder (see below)
 #
-# The folder holds: user, password (the account on both real servers), proftpd.port,
-# pyftpdlib.port, fault.ports ("scenario port" lines), root/ (the served tree, the account's
-# home), transcripts/ (what the fault server received) and the servers' pid and log files.
+# The folder holds: user, password (the account on proftpd and pyftpdlib), proftpd.port,
+# pyftpdlib.port, vsftpd.port with vsftpd.user and vsftpd.password (its anonymous account),
+# fault.ports ("scenario port" lines), root/ (the served tree, the account's home),
+# transcripts/ (what the fault server received) and the servers' pid and log files.
+#
+# vsftpd conflicts with proftpd-basic in apt (installing one removes the other), so it is
+# never installed: its package is downloaded and unpacked into $PELICOR_CACHE (default
+# ~/.cache/pelicor). Without it, its tests skip.
 # PELICOR_FTP_KEEP_LOGS=DIR copies the logs there before the folder goes.
 # Every server also dies on its own after a while, so an interrupted run leaves nothing behind.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 python=/usr/bin/python3
 lifetime=${PELICOR_FTP_LIFETIME:-1800}
+cache=${PELICOR_CACHE:-${HOME:-/tmp}/.cache/pelicor}
+vsftpd=$cache/vsftpd/usr/sbin/vsftpd
 user=pelicor
 password=trace-fetch
 
@@ -50,7 +58,8 @@ PY
 }
 
 # traces/: whole traces to stream and parse. lookup/: candidates of a session's trace file,
-# each of its own size (names start with the session: the lookup lists SESSION*.trc).
+# each of its own size (names that start with the session, as the lookup first lists
+# SESSION*.trc, and one named as Oracle names them, orcl_ora_4242.trc).
 make_trace_tree() {
   local root=$1 sample=$here/../../examples/sample_9i.trc
   mkdir -p "$root/traces" "$root/lookup"
@@ -59,7 +68,7 @@ make_trace_tree() {
   printf 'line one\nline two\r\nno line feed' >"$root/traces/no_final_lf.trc"
   "$python" - "$root/lookup" <<'PY'
 import sys
-sizes = {"4711_ora.trc": 4711, "12_ora.trc": 120, "123_ora.trc": 1230, "55_ora.trc": 550,
+sizes = {"orcl_ora_4242.trc": 4242, "4711_ora.trc": 4711, "12_ora.trc": 120, "123_ora.trc": 1230, "55_ora.trc": 550,
          "551_ora.trc": 5510, "55_ora_00055.trc": 5555, "00077_a.trc": 77, "00077_b.trc": 770}
 for name, size in sizes.items():
     with open(sys.argv[1] + "/" + name, "w") as f:
@@ -108,6 +117,75 @@ CONF
   echo "$port" >"$dir/proftpd.port"
 }
 
+# Downloads the vsftpd package (not installing it) and unpacks it into the cache.
+fetch_vsftpd() {
+  [ -x "$vsftpd" ] && return 0
+  local tmp
+  tmp=$(mktemp -d)
+  chmod 0777 "$tmp"  # apt's download user writes there
+  mkdir -p "$cache/vsftpd"
+  if (cd "$tmp" && apt-get download vsftpd >/dev/null 2>&1) &&
+    dpkg -x "$tmp"/vsftpd_*.deb "$cache/vsftpd"; then
+    echo "ftp servers: vsftpd unpacked into $cache/vsftpd" >&2
+  else
+    echo "ftp servers: vsftpd could not be had; its tests will skip" >&2
+  fi
+  rm -rf "$tmp"
+}
+
+# Anonymous, read-only, on 127.0.0.1, serving the same tree. vsftpd wants an empty folder
+# that nobody can write to for its unprivileged process (secure_chroot_dir); the system's
+# (/var/run/vsftpd/empty) exists only when the package is installed, so we make our own.
+start_vsftpd() {
+  local dir=$1 port
+  [ -x "$vsftpd" ] || return 0
+  port=$(free_port)
+  mkdir -p "$dir/vsftpd.empty"
+  chmod 0555 "$dir/vsftpd.empty"
+  cat >"$dir/vsftpd.conf" <<CONF
+listen=YES
+listen_ipv6=NO
+listen_address=127.0.0.1
+listen_port=$port
+background=NO
+anonymous_enable=YES
+local_enable=NO
+write_enable=NO
+no_anon_password=NO
+anon_root=$dir/root
+ftp_username=daemon
+secure_chroot_dir=$dir/vsftpd.empty
+seccomp_sandbox=NO
+isolate=NO
+isolate_network=NO
+pasv_enable=YES
+pasv_address=127.0.0.1
+port_enable=YES
+connect_from_port_20=NO
+xferlog_enable=NO
+syslog_enable=NO
+vsftpd_log_file=$dir/vsftpd.log
+pam_service_name=vsftpd
+tcp_wrappers=NO
+hide_ids=YES
+ftpd_banner=vsftpd ready
+CONF
+  timeout "$lifetime" "$vsftpd" "$dir/vsftpd.conf" >>"$dir/vsftpd.log" 2>&1 &
+  echo $! >"$dir/vsftpd.wrapper.pid"
+  # vsftpd writes no pid file: wait until its port answers.
+  for _ in $(seq 1 50); do
+    if "$python" -c 'import socket, sys
+socket.create_connection(("127.0.0.1", int(sys.argv[1])), 1).close()' "$port" 2>/dev/null; then
+      echo anonymous >"$dir/vsftpd.user"
+      echo pelicor@ >"$dir/vsftpd.password"
+      echo "$port" >"$dir/vsftpd.port"
+      return 0
+    fi
+    sleep 0.1
+  done
+  echo "ftp servers: vsftpd did not come up; its tests will skip" >&2
+}
+
 start_python() {
   local dir=$1 name=$2
   shift 2
@@ -128,6 +206,8 @@ start() {
   mkdir -p "$dir/transcripts"
   make_tree "$dir"
   start_proftpd "$dir"
+  fetch_vsftpd
+  start_vsftpd "$dir"
   start_python "$dir" pyftpdlib "$here/pyftpd_server.py" "$dir"
   start_python "$dir" fault "$here/fault_server.py" "$dir"
   wait_for "$dir/pyftpdlib.port"
@@ -170,5 +250,6 @@ stop() {
 case "${1:-}" in
   start) start "${2:?link}" ;;
   stop) stop "${2:?link}" ;;
-  *) die "usage: $0 start|stop LINK" ;;
+  fetch) fetch_vsftpd ;;
+  *) die "usage: $0 start|stop LINK | fetch" ;;
 esac

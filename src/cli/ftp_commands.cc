@@ -30,7 +30,8 @@ struct Connection {
   std::string udump;
   std::string password;
   std::string password_file;
-  bool passive = false;
+  bool active = false;
+  bool passive = false;  // the default; kept so that older scripts still run
   int timeout = 30;
 };
 
@@ -51,7 +52,10 @@ std::string Password(const Connection& connection) {
                            kPasswordVariable);
 }
 
-// A manager logged on to the dump directory, writing into `work_dir`.
+// A manager logged on to the dump directory, writing into `work_dir`. A failed log-on says
+// why in the client's words after the message every host knows:
+//   FTP failed to logon with the given info! Check ftp hostname/username/password.
+//   (db01:21: Can not resolve host adress)
 std::unique_ptr<transport::CFtpManager> Connect(const Connection& connection,
                                                 const std::string& work_dir) {
   const std::string password = Password(connection);
@@ -59,9 +63,15 @@ std::unique_ptr<transport::CFtpManager> Connect(const Connection& connection,
   manager->SetConnectInfo(connection.host.c_str(), connection.user.c_str(), password.c_str(),
                           connection.udump.c_str());
   manager->SetWorkDir(work_dir);
-  manager->SetPassiveMode(connection.passive);
+  if (connection.active) manager->SetPassiveMode(false);
   manager->SetTimeOut(connection.timeout);
-  manager->Init();
+  try {
+    manager->Init();
+  } catch (const exceptions::ExceptionBase& e) {
+    if (manager->LastFailureReason().empty()) throw;
+    throw std::runtime_error(e.Message() + " (" + connection.host + ": " +
+                             manager->LastFailureReason() + ")");
+  }
   return manager;
 }
 
@@ -83,10 +93,20 @@ void AddConnectionOptions(CLI::App& command, Connection& connection) {
       .add_option("--password", connection.password,
                   "The password itself; discouraged: other users can see it in the process list")
       ->group("Connection");
-  command.add_flag("--passive", connection.passive, "Passive data connections (PASV)")
+  command
+      .add_flag("--active", connection.active,
+                "Active data connections only (PORT): the server connects back to us")
       ->group("Connection");
-  command.add_option("--timeout", connection.timeout, "Seconds to wait for the server")
+  command
+      .add_flag("--passive", connection.passive,
+                "Passive data connections (EPSV, PASV; the default, active only when the "
+                "server refuses both)")
+      ->group("Connection");
+  command
+      .add_option("--timeout", connection.timeout,
+                  "Seconds an operation may wait for the server (1 to 86400)")
       ->capture_default_str()
+      ->check(CLI::Range(1, 86400))
       ->group("Connection");
 }
 
@@ -129,13 +149,15 @@ struct FileArgs {
   Connection connection;
   std::string name;  // a process id for find, a file name for the others
   std::string directory = ".";
+  std::uint64_t max_size = 0;  // get: the most bytes to take; 0 without limit
 };
 
 void AddFind(CLI::App& ftp) {
   CLI::App* find = nullptr;
   auto args = AddCommand<FileArgs>(
       ftp, "find", "Find the trace file of a server process; prints its name and size", &find);
-  find->add_option("PID", args->name, "The server process id; the server lists PID*.trc")
+  find->add_option("PID", args->name,
+                   "The server process id: PID*.trc, else *PID*.trc (orcl_ora_PID.trc)")
       ->required();
   find->callback([args] {
     ScratchDir scratch;
@@ -163,8 +185,8 @@ void RunGet(const FileArgs& args) {
   manager->OpenDataStream(args.name, 0);
   ProgressMeter progress("fetching " + args.name, manager->GetFileSize(args.name));
   try {
-    manager->SaveDataStream(local.path(),
-                            [&progress](std::uint64_t done) { progress.Update(done); });
+    manager->SaveDataStream(
+        local.path(), [&progress](std::uint64_t done) { progress.Update(done); }, args.max_size);
   } catch (const exceptions::ExceptionBase& failure) {
     // The user knows the file by the name asked for, not by the temporary one.
     std::string message = failure.Message();
@@ -184,6 +206,9 @@ void AddGet(CLI::App& ftp) {
   get->add_option("-o,--output-dir", args->directory, "Copy into DIR")
       ->option_text("DIR")
       ->capture_default_str();
+  get->add_option("--max-size", args->max_size,
+                  "Stop with an error once more than BYTES arrive (a server that never ends)")
+      ->option_text("BYTES");
   get->callback([args] { RunGet(*args); });
 }
 

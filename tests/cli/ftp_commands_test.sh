@@ -55,12 +55,48 @@ check "password on the command line" "4711_ora.trc 4711" \
   "$("$pelicor" ftp find 4711 $login --password "$(cat "$state/password")" 2>&1)"
 check "no password" "pelicor: no FTP password: give --password-file FILE or set PELICOR_FTP_PASSWORD" \
   "$(env -u PELICOR_FTP_PASSWORD "$pelicor" ftp find 4711 $login 2>&1)"
+# The message every host knows, then the client's own reason.
+logon="pelicor: FTP failed to logon with the given info! Check ftp hostname/username/password."
 check "a wrong password" \
-  "pelicor: FTP failed to logon with the given info! Check ftp hostname/username/password." \
+  "$logon ($host: Server rejects userid/passwd (530 Login incorrect.))" \
   "$("$pelicor" ftp find 4711 $login --password wrong 2>&1)"
+check "an unknown host" "$logon (no-such-host.invalid: Can not resolve host adress)" \
+  "$("$pelicor" ftp find 4711 --host no-such-host.invalid --user u --udump d --password p 2>&1)"
 check "a missing trace directory" \
-  "pelicor: FTP failed to change to trace directory! Check FTP qualified trace path." \
+  "pelicor: FTP failed to change to trace directory! Check FTP qualified trace path. ($host: File action not taken (550 nowhere: No such file or directory))" \
   "$("$pelicor" ftp list $(at nowhere) 2>&1)"
+check "active data connections" "sample_9i.trc" "$("$pelicor" ftp list $(at traces) --active -p 's*')"
+for timeout in 0 86401; do
+  out=$("$pelicor" ftp list $(at traces) --timeout $timeout 2>&1)
+  status=$?
+  check "--timeout $timeout refused" "--timeout: Value $timeout not in range 1 to 86400 105" \
+    "$(echo "$out" | head -1) $status"
+done
+
+# The fault server (scripts/ftp/fault_server.py): servers that misbehave.
+fault() {  # fault SCENARIO: connection options for one of its ports
+  echo --host "127.0.0.1:$(awk -v s="$1" '$1 == s {print $2}' "$state/fault.ports")" \
+    --user scott --udump udump --password tiger
+}
+check "a greeting that never ends, --timeout 1" \
+  "$logon ($(fault dribble | cut -d' ' -f2): Host does not send an answer) 1" \
+  "$("$pelicor" ftp list $(fault dribble) --timeout 1 2>&1) $?"
+for job in "xml" "xml --aggregate" "report"; do
+  check "$job of a transfer cut off without its final reply" \
+    "pelicor: FTP failed to close Data connection 1" \
+    "$("$pelicor" ftp $job ora_1.trc $(fault cut_off) 2>&1 >/dev/null) $?"
+done
+# One time-out for the whole stalled transfer (it took two, and three for a listing).
+start=$SECONDS
+out=$("$pelicor" ftp xml ora_1.trc $(fault data_stall) --timeout 1 2>&1 >/dev/null)
+status=$?
+check "xml of a stalled transfer fails within the time-out" \
+  "pelicor: FTP failed to read the data stream of ora_1.trc from $(fault data_stall | cut -d' ' -f2): Connection on data-port failed 1 fast" \
+  "$out $status $([ $((SECONDS - start)) -le 3 ] && echo fast)"
+mkdir "$work/endless"
+check "get stops past --max-size" \
+  "pelicor: FTP stopped copying x.trc to $work/endless/x.trc: the server sent more than 5000 bytes (the most allowed) 1" \
+  "$("$pelicor" ftp get x.trc $(fault endless_data) --max-size 5000 -o "$work/endless" 2>&1) $?"
 "$pelicor" ftp list --help | grep -q -- '--password TEXT.*discouraged'
 check "help discourages --password" "0" "$?"
 

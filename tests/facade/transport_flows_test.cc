@@ -206,5 +206,20 @@ TEST_F(FtpFlowsTest, FailuresNameWhatWentWrongAndReleaseTheSession) {
   }
 }
 
+// A server that drops data and control connections half-way, without "226": the parse fails
+// instead of answering "OK" with a part of the trace, in the whole-file and the batch form.
+TEST_F(FtpFlowsTest, TransferCutOffWithoutItsFinalReplyFails) {
+  CPelicor service;
+  ASSERT_EQ(service.FtpSetConnectInfo(Servers().Address("cut_off").c_str(), "scott", "tiger",
+                                      "udump", &msg_),
+            0);
+  ASSERT_EQ(service.SetWorkingDir(work().c_str(), &msg_), 0);
+  EXPECT_EQ(service.FtpParseFile("ora_1.trc", 0, 0, 0, &out_, &msg_), 1);
+  EXPECT_EQ(msg_, "FTP failed to close Data connection");
+  EXPECT_EQ(service.FtpParseFileEx("ora_1.trc", 0, 0, &out_, &msg_), 1);
+  EXPECT_EQ(msg_, "FTP failed to close Data connection");
+  EXPECT_FALSE(service.HasFtpStream());
+}
+
 }  // namespace
 }  // namespace facade_test

@@ -52,7 +52,32 @@ TEST(FtpReplyParse, PassiveReply) {
                    {"227 Entering Passive Mode (127,0,0,1,4).", false, "", 0},
                    {"227 Entering Passive Mode (127,0,0,1,256,1)", false, "", 0},
                    {"227 Entering Passive Mode (127,0,0,1,x,1)", false, "", 0},
+                   {"227 Entering Passive Mode (127,0,0,1, 171, 37)", true, "127.0.0.1", 43813},
+                   {"227 Entering Passive Mode ( 127, 0, 0, 1, 4 , 1 )", true, "127.0.0.1", 1025},
                    {"227 (1,2,3,4,0,0)", false, "", 0}});
+}
+
+TEST(FtpReplyParse, ExtendedPassiveReplyAndSize) {
+  const std::pair<const char*, int> ports[] = {
+      {"229 Entering Extended Passive Mode (|||6446|)", 6446},
+      {"229 Entering Extended Passive Mode (!!!65535!)", 65535},
+      {"229 Entering Extended Passive Mode (|||65536|)", -1},
+      {"229 Entering Extended Passive Mode (||1|6446|)", -1},
+      {"229 Entering Extended Passive Mode (|||6446)", -1},
+      {"229 Entering Extended Passive Mode (|||0|)", -1},
+      {"229 (|||", -1},
+  };
+  for (const auto& [reply, port] : ports) {
+    std::uint16_t found = 0;
+    EXPECT_EQ(ParseExtendedPassiveReply(reply, &found) ? found : -1, port) << reply;
+  }
+  const std::pair<const char*, std::int64_t> sizes[] = {
+      {"213 1234567", 1234567}, {"213 0", 0}, {"213 12345678901", 12345678901}, {"213", -1},
+      {"213 bytes", -1},        {"213-1", -1}};
+  for (const auto& [reply, size] : sizes) {
+    std::uint64_t found = 0;
+    EXPECT_EQ(ParseSizeReply(reply, &found) ? static_cast<std::int64_t>(found) : -1, size) << reply;
+  }
 }
 
 TEST(FtpReplyParse, HostAndPortAsTheUserWritesThem) {

@@ -31,8 +31,13 @@ class FtpServers {
     if (port.empty()) port = FaultPort(server);
     return "127.0.0.1:" + port;
   }
-  std::string User() const { return Trim(ReadWholeFile(state_ / "user")); }
-  std::string Password() const { return Trim(ReadWholeFile(state_ / "password")); }
+  // The account on `server` (vsftpd has its own, anonymous one), or on proftpd and pyftpdlib.
+  std::string User(const std::string& server = "") const { return Account(server, "user"); }
+  std::string Password(const std::string& server = "") const { return Account(server, "password"); }
+  // False for a server that did not start (vsftpd without its unpacked binary).
+  bool Has(const std::string& server) const {
+    return std::filesystem::exists(state_ / (server + ".port"));
+  }
   std::filesystem::path Served(const std::string& name) const { return state_ / "root" / name; }
   std::string Transcript(const std::string& scenario) const {
     return ReadWholeFile(state_ / "transcripts" / (scenario + ".txt"));
@@ -47,6 +52,11 @@ class FtpServers {
       return nullptr;
     }
     return new FtpServers(state);
+  }
+  std::string Account(const std::string& server, const std::string& what) const {
+    const std::filesystem::path own = state_ / (server + "." + what);
+    return Trim(
+        ReadWholeFile(!server.empty() && std::filesystem::exists(own) ? own : state_ / what));
   }
   static std::string Trim(std::string text) {
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();

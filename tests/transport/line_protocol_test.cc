@@ -36,6 +36,12 @@ TEST(LineProtocol, ReadsLinesAndReplies) {
       {"line longer than the buffer", TnReadMultiLine, {long_line}, false, 32, 2,
        long_line.substr(0, 31)},
       {"closed inside a reply", TnReadMultiLine, {"230-Hello\r\n"}, true, 64, 0, "230-Hello\n"},
+      // RFC 959: only the opening code and a blank end a reply that opened with "220-".
+      {"digit-led line inside", TnReadAnswerCode,
+       {"220-Welcome\r\n2024 maintenance window\r\n220-more\r\n220\r\n"}, false, 128, 220,
+       "220-Welcome\n2024 maintenance window\n220-more\n220"},
+      {"another code inside", TnReadMultiLine, {"211-Features:\r\n 212 x\r\n211 End\r\n"}, false,
+       64, 1, "211-Features:\n 212 x\n211 End"},
       {"nothing comes", TnReadAnswerCode, {}, false, 64, -2, ""},
   };
   // clang-format on
@@ -47,6 +53,26 @@ TEST(LineProtocol, ReadsLinesAndReplies) {
     EXPECT_EQ(c.read(pair.reader(), buffer.data(), c.size, 1, kNoLog), c.status);
     EXPECT_EQ(std::string(buffer.data()), c.buffer);
   }
+}
+
+// One time-out bounds the whole reply: a peer that sends a byte every 30 ms never lets a
+// single receive time out, yet the reply gives up after its 1 s. A reply that goes on for more
+// than 64 KB is given up too, however fast it comes.
+TEST(LineProtocol, EndlessRepliesAreGivenUp) {
+  {
+    Loopback pair;
+    std::vector<std::string> dribble(60, "x");
+    dribble.front() = "220-";
+    pair.Write(dribble);  // 30 ms apart: 1.8 s in all
+    char buffer[64];
+    EXPECT_EQ(TnReadMultiLine(pair.reader(), buffer, sizeof buffer, 1, kNoLog), -2);
+  }
+  Loopback pair;
+  std::string lines;
+  for (int i = 0; i < 300; ++i) lines += "220-" + std::string(300, 'x') + "\r\n";
+  pair.Write({lines + "220 end\r\n"});
+  char buffer[64];
+  EXPECT_EQ(TnReadMultiLine(pair.reader(), buffer, sizeof buffer, 20, kNoLog), -1);
 }
 
 // A reply or a line longer than the buffer overflows (2) but keeps its start; the rest is read

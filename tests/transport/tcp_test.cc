@@ -80,6 +80,29 @@ TEST(TcpConnect, ReportsEachFailureByItsStatusAndAcceptTimesOut) {
   TcpClose(&listener);
 }
 
+// A listener whose backlog is full drops further SYNs: connect gives up at its deadline (-2)
+// instead of waiting out the system's retries.
+TEST(TcpConnect, TimesOutAtItsDeadline) {
+  TcpInit();
+  Socket listener = kNoSocket;
+  std::uint16_t port = 0;
+  ASSERT_EQ(TcpGetListenSocket(&listener, nullptr, &port, 0, "127.0.0.1"), 1);
+  std::vector<Socket> queued;
+  Socket socket = kNoSocket;
+  for (int i = 0; i < 3; ++i) {
+    std::uint16_t to = port;
+    const int status = TcpConnect(&socket, "127.0.0.1", nullptr, &to, Deadline::After(1));
+    if (status != 1) {
+      EXPECT_EQ(status, -2);
+      break;
+    }
+    queued.push_back(socket);
+  }
+  EXPECT_LT(queued.size(), 3u);  // the third at the latest found the backlog full
+  for (Socket& s : queued) TcpClose(&s);
+  TcpClose(&listener);
+}
+
 class CapturingSink : public TraceSink {
  public:
   void Write(std::string_view text) override { text_.append(text); }

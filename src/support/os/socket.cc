@@ -98,18 +98,41 @@ int SocketFlags(int flags) {
 
 }  // namespace
 
-bool ResolveHost(const std::string& host, Endpoint* out) {
+bool ResolveHostAll(const std::string& host, std::vector<Endpoint>* out) {
+  out->clear();
   addrinfo hints{};
   hints.ai_family = AF_UNSPEC;
   hints.ai_socktype = SOCK_STREAM;
   addrinfo* found = nullptr;
   if (host.empty() || getaddrinfo(host.c_str(), nullptr, &hints, &found) != 0) return false;
-  bool ok = false;
-  for (addrinfo* entry = found; entry != nullptr && !ok; entry = entry->ai_next) {
-    ok = FromSockaddr(entry->ai_addr, out);
+  for (addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) {
+    Endpoint endpoint;
+    if (FromSockaddr(entry->ai_addr, &endpoint)) out->push_back(endpoint);
   }
   freeaddrinfo(found);
-  return ok;
+  return !out->empty();
+}
+
+bool ResolveHost(const std::string& host, Endpoint* out) {
+  std::vector<Endpoint> all;
+  if (!ResolveHostAll(host, &all)) return false;
+  *out = all.front();
+  return true;
+}
+
+bool SameAddress(const Endpoint& a, const Endpoint& b) {
+  // ::ffff:a.b.c.d is the IPv4 address a.b.c.d seen through an IPv6 socket.
+  static const std::uint8_t kMapped[12] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
+  const auto v4 = [](const Endpoint& e) -> const std::uint8_t* {
+    if (!e.v6) return e.address;
+    return std::memcmp(e.address, kMapped, sizeof kMapped) == 0 ? e.address + 12 : nullptr;
+  };
+  const std::uint8_t* a4 = v4(a);
+  const std::uint8_t* b4 = v4(b);
+  if (a4 != nullptr || b4 != nullptr) {
+    return a4 != nullptr && b4 != nullptr && std::memcmp(a4, b4, 4) == 0;
+  }
+  return std::memcmp(a.address, b.address, 16) == 0;
 }
 
 std::uint16_t ServicePort(const char* service) {
@@ -138,8 +161,16 @@ bool BindAndListen(SocketHandle socket, const Endpoint& local, int backlog) {
   return listen(ToNative(socket), backlog) == 0;
 }
 
-SocketHandle Accept(SocketHandle listener) {
-  return FromNative(accept(ToNative(listener), nullptr, nullptr));
+SocketHandle Accept(SocketHandle listener, Endpoint* peer) {
+  sockaddr_storage storage{};
+  Length length = sizeof storage;
+  const SocketHandle accepted =
+      FromNative(accept(ToNative(listener), reinterpret_cast<sockaddr*>(&storage), &length));
+  if (accepted != kNoSocket && peer != nullptr &&
+      !FromSockaddr(reinterpret_cast<sockaddr*>(&storage), peer)) {
+    *peer = Endpoint{};
+  }
+  return accepted;
 }
 
 bool LocalEndpoint(SocketHandle socket, Endpoint* out) {
@@ -197,6 +228,10 @@ bool CloseSocket(SocketHandle socket) {
   return closesocket(ToNative(socket)) == 0;
 }
 
+bool ShutdownSend(SocketHandle socket) {
+  return shutdown(ToNative(socket), SD_SEND) == 0;
+}
+
 int WaitReadable(SocketHandle socket, int timeout_ms) {
   fd_set readable;
   FD_ZERO(&readable);
@@ -227,6 +262,33 @@ long CurrentThreadNumber() {
   return static_cast<long>(GetCurrentThreadId());
 }
 
+int ConnectWithin(SocketHandle socket, const Endpoint& peer, int timeout_ms) {
+  if (timeout_ms < 0) return Connect(socket, peer) ? 1 : -1;
+  const Native native = ToNative(socket);
+  u_long non_blocking = 1;
+  if (ioctlsocket(native, FIONBIO, &non_blocking) != 0) return -1;
+  sockaddr_storage storage{};
+  const Length length = ToSockaddr(peer, &storage);
+  int result = 1;
+  if (connect(native, reinterpret_cast<sockaddr*>(&storage), length) != 0) {
+    result = -1;
+    if (WSAGetLastError() == WSAEWOULDBLOCK) {
+      fd_set writable;
+      fd_set failed;
+      FD_ZERO(&writable);
+      FD_ZERO(&failed);
+      FD_SET(native, &writable);
+      FD_SET(native, &failed);
+      timeval limit{timeout_ms / 1000, (timeout_ms % 1000) * 1000};
+      const int ready = select(0, nullptr, &writable, &failed, &limit);
+      result = ready == 0 ? 0 : (ready > 0 && FD_ISSET(native, &writable) ? 1 : -1);
+    }
+  }
+  u_long blocking = 0;
+  ioctlsocket(native, FIONBIO, &blocking);
+  return result;
+}
+
 #else
 
 bool StartSockets() {
@@ -247,6 +309,10 @@ SocketHandle OpenStreamSocket(bool v6) {
 
 bool CloseSocket(SocketHandle socket) {
   return close(ToNative(socket)) == 0;
+}
+
+bool ShutdownSend(SocketHandle socket) {
+  return shutdown(ToNative(socket), SHUT_WR) == 0;
 }
 
 int WaitReadable(SocketHandle socket, int timeout_ms) {
@@ -274,6 +340,42 @@ bool UrgentDataPending(SocketHandle socket) {
 
 long CurrentThreadNumber() {
   return static_cast<long>(syscall(SYS_gettid));
+}
+
+// A non-blocking connect waited for with poll: a peer that drops our SYN (a full backlog, a
+// filter) would otherwise hold the call for the system's minutes of retries.
+int ConnectWithin(SocketHandle socket, const Endpoint& peer, int timeout_ms) {
+  if (timeout_ms < 0) return Connect(socket, peer) ? 1 : -1;
+  const Native native = ToNative(socket);
+  const int flags = fcntl(native, F_GETFL, 0);
+  if (flags < 0 || fcntl(native, F_SETFL, flags | O_NONBLOCK) != 0) return -1;
+  sockaddr_storage storage{};
+  const Length length = ToSockaddr(peer, &storage);
+  int result = 1;
+  if (connect(native, reinterpret_cast<sockaddr*>(&storage), length) != 0) {
+    result = -1;
+    if (errno == EINPROGRESS) {
+      pollfd entry{native, POLLOUT, 0};
+      int ready = 0;
+      do {
+        ready = poll(&entry, 1, timeout_ms);
+      } while (ready < 0 && errno == EINTR);
+      int error = 0;
+      Length size = sizeof error;
+      if (ready == 0) {
+        result = 0;
+      } else if (ready > 0 && getsockopt(native, SOL_SOCKET, SO_ERROR, &error, &size) == 0 &&
+                 error == 0) {
+        result = 1;
+      } else if (error != 0) {
+        errno = error;
+      }
+    }
+  }
+  const int saved = errno;
+  fcntl(native, F_SETFL, flags);
+  errno = saved;
+  return result;
 }
 
 #endif

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace os {
 
@@ -32,6 +33,12 @@ bool IsCancelled(int error);
 
 // A numeric IPv4 or IPv6 address, or a host name looked up. False when unknown.
 bool ResolveHost(const std::string& host, Endpoint* out);
+// Every address a host name has, in the resolver's order (IPv6 may come first). False when
+// none is known.
+bool ResolveHostAll(const std::string& host, std::vector<Endpoint>* out);
+// True when both name the same address (ports aside); an IPv4 address and its IPv6-mapped
+// form ("::ffff:127.0.0.1") are the same.
+bool SameAddress(const Endpoint& a, const Endpoint& b);
 // The port of a service name ("ftp") for tcp; 0 when the service is unknown.
 std::uint16_t ServicePort(const char* service);
 // The text form of an endpoint's address ("127.0.0.1", "::1"), without the port.
@@ -39,9 +46,15 @@ std::string AddressText(const Endpoint& endpoint);
 
 SocketHandle OpenStreamSocket(bool v6);
 bool CloseSocket(SocketHandle socket);
+// Ends our sending half: the peer reads the end of the data, and can still send to us.
+bool ShutdownSend(SocketHandle socket);
 bool Connect(SocketHandle socket, const Endpoint& peer);
+// Connects within `timeout_ms` (negative: the system's own limit): 1 connected, 0 time-out,
+// -1 refused or failed. The socket is blocking again afterwards.
+int ConnectWithin(SocketHandle socket, const Endpoint& peer, int timeout_ms);
 bool BindAndListen(SocketHandle socket, const Endpoint& local, int backlog);
-SocketHandle Accept(SocketHandle listener);
+// Accepts one connection; `peer` (when given) receives the address it came from.
+SocketHandle Accept(SocketHandle listener, Endpoint* peer = nullptr);
 bool LocalEndpoint(SocketHandle socket, Endpoint* out);
 bool PeerEndpoint(SocketHandle socket, Endpoint* out);
 

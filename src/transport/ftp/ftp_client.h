@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "support/os/file_handle.h"
@@ -38,15 +39,34 @@ constexpr int kFtpActionRetrieve = 223;
 int FtpInit();
 int FtpRelease();
 
+// A session taken out of its thread, so that an object can own it: FtpSwapSession exchanges
+// the calling thread's session with *slot (either may be empty). An owner swaps its session
+// in for the calls it makes and out again afterwards, so several sessions can live on one
+// thread. Destroying a held session closes its connections.
+struct FtpSession;
+struct FtpSessionDeleter {
+  void operator()(FtpSession* session) const;
+};
+using FtpSessionPtr = std::unique_ptr<FtpSession, FtpSessionDeleter>;
+void FtpSwapSession(FtpSessionPtr* slot);
+
+// How data connections are made. Passive asks EPSV (RFC 2428), then PASV when the server
+// refuses it (500/502); over IPv6 only EPSV. Passive-then-active falls back to PORT (EPRT
+// over IPv6) when the server refuses both. Active announces a listener with PORT/EPRT and
+// takes a connection only from the server's address.
+enum class FtpDataMode { kActive, kPassive, kPassiveThenActive };
+
 int FtpSetSynchronousMode();
 int FtpSetAsynchronousMode();
 // Verbose: every command and reply line is also written to the trace sink (off at start).
 int FtpSetVerboseMode(bool on);
-// Passive (PASV) or active (PORT) data connections; active at start.
+// Passive or active data connections (FtpDataMode); active at start.
 int FtpSetPassiveMode(bool on);
+int FtpSetDataMode(FtpDataMode mode);
 // The server port when the host names none (21 at start).
 int FtpSetDefaultPort(std::uint16_t port);
-// Seconds every receive and accept waits (30 at start; 0 waits without limit).
+// Seconds an operation may take (30 at start; 0 waits without limit): one deadline bounds
+// its connect, every reply, the data connection and each stall of a transfer.
 int FtpSetDefaultTimeOut(int seconds);
 
 // Connects to `host` ("name", "name:port", "[v6addr]:port"), reads the greeting, and sends
@@ -75,6 +95,10 @@ int FtpCloseConnection();
 int FtpSetType(char type);
 // Sends "REST offset": 3 on success; an offset below 1 sends nothing and returns 3.
 int FtpRestart(std::int64_t offset);
+// The size of a remote file by "SIZE" (RFC 3659), asked in binary type: 0 with *size set;
+// 3003 when the server does not know the command, 1010 for 550, 2002 without a reply, 3001
+// for any other reply.
+int FtpSize(const char* remote, std::uint64_t* size);
 
 // Retrieves `remote` into the local file `local` (created or truncated).
 int FtpRecvFile(const char* remote, const char* local, char type, bool progress,
@@ -97,7 +121,8 @@ int FtpOpenDataConnection(const char* remote, int action, char type, std::int64_
 // 2006 on a receive error or time-out, -1 after FtpAbort.
 int FtpRecvThroughDataConnection(char* buffer, int* length);
 // Closes the data connection and reads the server's final reply: 0 for 226 or 250, 1005
-// for 452 or 552, 3001 otherwise.
+// for 452 or 552, 3001 otherwise (also when none comes). After a receive that timed out the
+// reply is not waited for.
 int FtpCloseDataConnection();
 
 // Asks the running transfer to stop; it ends with -1.
@@ -107,6 +132,8 @@ std::uint64_t FtpBytesToBeTransferred();
 std::uint64_t FtpBytesTransferred();
 // The last reply the server sent (its lines joined by "\n"); empty without a session.
 std::string FtpLastReply();
+// The code of the last reply (its leading number; 0 when it has none).
+int FtpLastReplyCode();
 
 // Runs the posted transfers and reports of the asynchronous mode; 0, or 1002.
 int FtpProcessEvents();

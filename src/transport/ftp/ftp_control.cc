@@ -33,8 +33,11 @@ int Connect(FtpSession& session, const char* host_text) {
   if (!SplitHostPort(host_text, &host, &port)) return kFtpUnknownHost;
   if (port == 0) port = session.port;
   FtpCloseConnection();
-  const int status =
-      TcpConnect(&session.control, host.c_str(), port == kFtpPort ? "ftp" : nullptr, &port);
+  session.reply.fill('\0');
+  session.epsv_refused = false;
+  session.data_stalled = false;
+  const int status = TcpConnect(&session.control, host.c_str(), port == kFtpPort ? "ftp" : nullptr,
+                                &port, session.deadline);
   if (status != kTcpSuccess) return ConnectResult(status);
   session.type = kFtpTypeAscii;
   return RunCommand(session, kCmdGreeting, nullptr);
@@ -44,6 +47,7 @@ int Connect(FtpSession& session, const char* host_text) {
 int Simple(FtpCommand command, const char* argument) {
   FtpSession* session = SessionRegistry::Instance().Find();
   if (session == nullptr) return kFtpNotInitialised;
+  StartOperation(*session);
   return RunCommand(*session, command, argument);
 }
 
@@ -51,6 +55,7 @@ int Simple(FtpCommand command, const char* argument) {
 int WithReply(FtpCommand command, const char* argument, std::string* reply) {
   FtpSession* session = SessionRegistry::Instance().Find();
   if (session == nullptr) return kFtpNotInitialised;
+  StartOperation(*session);
   const int result = RunCommand(*session, command, argument);
   if (reply != nullptr) *reply = session->reply.data();
   return result;
@@ -72,13 +77,19 @@ int FtpInit() {
   return SessionRegistry::Instance().Create() != nullptr ? kFtpOk : kFtpAlreadyInitialised;
 }
 
+// Closes only this session's sockets: other sessions of the thread (held by other owners)
+// keep theirs.
 int FtpRelease() {
   FtpSession* session = SessionRegistry::Instance().Find();
   if (session == nullptr) return kFtpReleaseWithoutInit;
-  CloseLocalFile(*session);
-  const int cleaned = TcpCleanup();
+  CloseEverything(*session);
+  os::StopSockets();
   SessionRegistry::Instance().Remove();
-  return cleaned == kTcpSuccess ? kFtpOk : kFtpReleaseWithoutClose;
+  return kFtpOk;
+}
+
+void FtpSwapSession(FtpSessionPtr* slot) {
+  if (slot != nullptr) SessionRegistry::Instance().Swap(slot);
 }
 
 int FtpSetSynchronousMode() {
@@ -91,7 +102,10 @@ int FtpSetVerboseMode(bool on) {
   return Configure([on](FtpSession& session) { session.verbose = on; });
 }
 int FtpSetPassiveMode(bool on) {
-  return Configure([on](FtpSession& session) { session.passive = on; });
+  return FtpSetDataMode(on ? FtpDataMode::kPassive : FtpDataMode::kActive);
+}
+int FtpSetDataMode(FtpDataMode mode) {
+  return Configure([mode](FtpSession& session) { session.data_mode = mode; });
 }
 int FtpSetDefaultPort(std::uint16_t port) {
   return Configure([port](FtpSession& session) { session.port = port; });
@@ -104,6 +118,7 @@ int FtpLogin(const char* host, const char* user, const char* password, const Ftp
   FtpSession* session = SessionRegistry::Instance().Find();
   if (session == nullptr) return kFtpNotInitialised;
   if (host == nullptr) return kFtpBadParameters;
+  StartOperation(*session);
   int result = Connect(*session, host);
   if (result == kFtpOk && user != nullptr) result = RunCommand(*session, kCmdUser, user);
   if (result == kFtpPasswordWanted && password != nullptr) {
@@ -178,13 +193,46 @@ int FtpCloseConnection() {
 int FtpSetType(char type) {
   FtpSession* session = SessionRegistry::Instance().Find();
   if (session == nullptr) return kFtpNotInitialised;
+  StartOperation(*session);
   return SetType(*session, type);
 }
 
 int FtpRestart(std::int64_t offset) {
   FtpSession* session = SessionRegistry::Instance().Find();
   if (session == nullptr) return kFtpNotInitialised;
+  StartOperation(*session);
   return Restart(*session, offset);
+}
+
+//   213 1234567
+int FtpSize(const char* remote, std::uint64_t* size) {
+  FtpSession* session = SessionRegistry::Instance().Find();
+  if (session == nullptr) return kFtpNotInitialised;
+  if (session->control == kNoSocket) return kFtpNotConnected;
+  if (remote == nullptr || size == nullptr) return kFtpBadParameters;
+  StartOperation(*session);
+  // Servers count the bytes of the file as stored only in binary type (vsftpd refuses SIZE
+  // in ASCII type, others count converted line ends).
+  if (const int typed = SetType(*session, kFtpTypeBinary); typed != kFtpOk) return typed;
+  if (const int sent = SendLine(*session, std::string("SIZE ") + remote); sent != kFtpOk) {
+    return sent;
+  }
+  const int reply = ReadReply(*session);
+  switch (reply) {
+    case 213:
+      return ParseSizeReply(session->reply.data(), size) ? kFtpOk : kFtpUnexpectedAnswer;
+    case kNoReply:
+      return kFtpNoAnswer;
+    case 500:
+    case 501:
+    case 502:
+    case 504:
+      return kFtpNotImplemented;
+    case 550:
+      return kFtpCannotOpenRemote;
+    default:
+      return kFtpUnexpectedAnswer;
+  }
 }
 
 int FtpAbort() {
@@ -204,6 +252,11 @@ std::uint64_t FtpBytesTransferred() {
 std::string FtpLastReply() {
   FtpSession* session = SessionRegistry::Instance().Find();
   return session == nullptr ? std::string() : std::string(session->reply.data());
+}
+
+int FtpLastReplyCode() {
+  FtpSession* session = SessionRegistry::Instance().Find();
+  return session == nullptr ? 0 : TcpAtoi(session->reply.data());
 }
 
 int FtpProcessEvents() {

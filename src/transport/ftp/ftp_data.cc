@@ -26,11 +26,50 @@ os::FileHandle OpenLocal(const char* path, int action) {
   }
 }
 
+bool Refused(int reply) {
+  return reply == 500 || reply == 501 || reply == 502;
+}
+
+// Connects the data connection to the control connection's peer on `port`.
+int ConnectData(FtpSession& session, std::uint16_t port) {
+  os::Endpoint peer;
+  if (!os::PeerEndpoint(session.control, &peer)) return kFtpNoSocket;
+  const std::string host = os::AddressText(peer);
+  const int status =
+      TcpConnect(&session.data_socket, host.c_str(), nullptr, &port, session.deadline);
+  if (status == kTcpSuccess) return kFtpOk;
+  return status == kTcpTimeout ? kFtpTimeout : kFtpNoSocket;
+}
+
+//   229 Entering Extended Passive Mode (|||6446|)
+// 3005 when the server does not know EPSV; it is not asked again in this session.
+int OpenExtendedPassive(FtpSession& session) {
+  if (const int sent = SendLine(session, "EPSV"); sent != kFtpOk) return sent;
+  const int reply = ReadReply(session);
+  if (Refused(reply)) {
+    session.epsv_refused = true;
+    return kFtpNoPassiveMode;
+  }
+  std::uint16_t port = 0;
+  if (reply == kNoReply) return kFtpNoAnswer;
+  if (reply != 229 || !ParseExtendedPassiveReply(session.reply.data(), &port)) {
+    return kFtpUnexpectedAnswer;
+  }
+  return ConnectData(session, port);
+}
+
 //   227 Entering Passive Mode (192,168,10,5,195,80).
 // Only the port is taken: the data connection goes to the address the control connection
 // reached, as a server behind NAT announces an address we cannot reach and a hostile one
 // could point us at another host.
 int OpenPassive(FtpSession& session) {
+  if (!session.epsv_refused) {
+    const int extended = OpenExtendedPassive(session);
+    if (extended != kFtpNoPassiveMode) return extended;
+  }
+  os::Endpoint local;
+  // PASV names an IPv4 address: over IPv6 only EPSV can work.
+  if (os::LocalEndpoint(session.control, &local) && local.v6) return kFtpNoPassiveMode;
   if (const int sent = SendLine(session, "PASV"); sent != kFtpOk) return sent;
   const int reply = ReadReply(session);
   if (reply == 500 || reply == 502) return kFtpNoPassiveMode;
@@ -39,31 +78,51 @@ int OpenPassive(FtpSession& session) {
   if (reply != 227 || !ParsePassiveReply(session.reply.data(), &announced, &port)) {
     return kFtpUnexpectedAnswer;
   }
-  os::Endpoint peer;
-  if (!os::PeerEndpoint(session.control, &peer)) return kFtpNoSocket;
-  const std::string host = os::AddressText(peer);
-  return TcpConnect(&session.data_socket, host.c_str(), nullptr, &port) == kTcpSuccess
-             ? kFtpOk
-             : kFtpNoSocket;
+  return ConnectData(session, port);
 }
 
-// Listens on the control connection's local address and announces it:
+// The command that announces a listener:
 //   PORT 127,0,0,1,195,80
+//   EPRT |2|::1|50000|
+std::string AnnounceCommand(const os::Endpoint& local, std::uint16_t port) {
+  if (local.v6) return "EPRT |2|" + os::AddressText(local) + "|" + std::to_string(port) + "|";
+  std::string line = "PORT ";
+  for (int i = 0; i < 4; ++i) line += std::to_string(local.address[i]) + ",";
+  return line + std::to_string(port >> 8) + "," + std::to_string(port & 0xff);
+}
+
+// Listens on the control connection's local address and announces it.
 int OpenActive(FtpSession& session) {
   os::Endpoint local;
-  if (!os::LocalEndpoint(session.control, &local) || local.v6) return kFtpDataConnectionFailed;
+  if (!os::LocalEndpoint(session.control, &local)) return kFtpDataConnectionFailed;
   const std::string address = os::AddressText(local);
   std::uint16_t port = 0;
   if (TcpGetListenSocket(&session.listener, nullptr, &port, 1, address.c_str()) != kTcpSuccess) {
     return kFtpDataConnectionFailed;
   }
-  std::string line = "PORT ";
-  for (int i = 0; i < 4; ++i) line += std::to_string(local.address[i]) + ",";
-  line += std::to_string(port >> 8) + "," + std::to_string(port & 0xff);
-  int result = SendLine(session, line);
+  int result = SendLine(session, AnnounceCommand(local, port));
   if (result == kFtpOk && ReadReply(session) != 200) result = kFtpUnexpectedAnswer;
   if (result != kFtpOk) TcpClose(&session.listener);
   return result;
+}
+
+int OpenDataPath(FtpSession& session) {
+  if (session.data_mode == FtpDataMode::kActive) return OpenActive(session);
+  const int passive = OpenPassive(session);
+  if (passive != kFtpNoPassiveMode || session.data_mode != FtpDataMode::kPassiveThenActive) {
+    return passive;
+  }
+  return OpenActive(session);
+}
+
+// Waits for the server's data connection; a connection from any other address is refused.
+int AcceptData(FtpSession& session) {
+  os::Endpoint server;
+  const bool known = os::PeerEndpoint(session.control, &server);
+  const int accepted = TcpAcceptBy(&session.data_socket, session.listener, session.deadline,
+                                   known ? &server : nullptr);
+  TcpClose(&session.listener);
+  return accepted;
 }
 
 // The result of a refused RETR, LIST or NLST.
@@ -91,7 +150,7 @@ void DropTransfer(FtpSession& session) {
 void FinishLeftoverTransfer(FtpSession& session) {
   if (session.data_socket == kNoSocket) return;
   TcpClose(&session.data_socket);
-  ReadReply(session);
+  if (!session.data_stalled) ReadReply(session);
 }
 
 }  // namespace
@@ -115,6 +174,7 @@ int OpenDataConnection(FtpSession& session, const std::string& command, const ch
   FinishLeftoverTransfer(session);
   CloseLocalFile(session);
   session.aborted = false;
+  session.data_stalled = false;
   if (type == kFtpTypeBinary || type == kFtpTypeAscii || type == kFtpTypeLocal) {
     if (const int result = SetType(session, type); result != kFtpOk) return result;
   }
@@ -122,7 +182,7 @@ int OpenDataConnection(FtpSession& session, const std::string& command, const ch
     session.local_file = OpenLocal(local, file_action);
     if (session.local_file == os::kNoFile) return kFtpCannotOpenFile;
   }
-  int result = session.passive ? OpenPassive(session) : OpenActive(session);
+  int result = OpenDataPath(session);
   if (result == kFtpOk && offset > 0) {
     result = Restart(session, offset);
     if (result == kFtpRestartOk) result = kFtpOk;
@@ -136,10 +196,8 @@ int OpenDataConnection(FtpSession& session, const std::string& command, const ch
     DropTransfer(session);
     return result;
   }
-  if (!session.passive) {
-    const int accepted = TcpAccept(&session.data_socket, session.listener, session.timeout_s);
-    TcpClose(&session.listener);
-    if (accepted != kTcpSuccess) {
+  if (session.listener != kNoSocket) {
+    if (AcceptData(session) != kTcpSuccess) {
       CloseLocalFile(session);
       return session.aborted ? kFtpAborted : kFtpDataConnectionFailed;
     }

@@ -23,9 +23,42 @@ FtpSession* SessionRegistry::Create() {
   for (const auto& session : sessions_) {
     if (session->owner == std::this_thread::get_id()) return nullptr;
   }
-  sessions_.push_back(std::make_unique<FtpSession>());
+  sessions_.push_back(FtpSessionPtr(new FtpSession));
   sessions_.back()->owner = std::this_thread::get_id();
   return sessions_.back().get();
+}
+
+void SessionRegistry::Swap(FtpSessionPtr* slot) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  const auto mine = std::find_if(sessions_.begin(), sessions_.end(), [](const auto& session) {
+    return session->owner == std::this_thread::get_id();
+  });
+  FtpSessionPtr incoming = std::move(*slot);
+  if (mine != sessions_.end()) {
+    *slot = std::move(*mine);
+    sessions_.erase(mine);
+  }
+  if (incoming) {
+    incoming->owner = std::this_thread::get_id();
+    sessions_.push_back(std::move(incoming));
+  }
+}
+
+void FtpSessionDeleter::operator()(FtpSession* session) const {
+  if (session == nullptr) return;
+  CloseEverything(*session);
+  delete session;
+}
+
+void StartOperation(FtpSession& session) {
+  session.deadline = Deadline::After(session.timeout_s);
+}
+
+void CloseEverything(FtpSession& session) {
+  CloseLocalFile(session);
+  TcpClose(&session.data_socket);
+  TcpClose(&session.listener);
+  TcpClose(&session.control);
 }
 
 void SessionRegistry::Remove() {
@@ -49,15 +82,18 @@ void CloseLocalFile(FtpSession& session) {
 }
 
 int SendLine(FtpSession& session, const std::string& line, bool urgent) {
-  if (session.verbose) TraceRaw(line + "\r\n");
+  if (session.verbose) {
+    // The password stays out of every trace.
+    TraceRaw(line.compare(0, 5, "PASS ") == 0 ? std::string("PASS ****\r\n") : line + "\r\n");
+  }
   return TnSend(session.control, line.c_str(), urgent, kNoLog) == kTcpSuccess ? kFtpOk
                                                                               : kFtpCannotSend;
 }
 
 int ReadReply(FtpSession& session) {
   char* reply = session.reply.data();
-  const int status = TnReadMultiLine(session.control, reply, static_cast<int>(session.reply.size()),
-                                     session.timeout_s, kNoLog);
+  const int status = TnReadMultiLineBy(
+      session.control, reply, static_cast<int>(session.reply.size()), session.deadline, kNoLog);
   if (session.verbose) TraceRaw(std::string(reply) + "\r\n");
   if (status == kTcpSuccess) return TcpAtoi(reply);
   // A reply line longer than the buffer passes on as "2", which no row expects.

@@ -19,7 +19,9 @@
 namespace transport {
 
 struct FtpSession {
-  static constexpr std::size_t kBlockSize = 4096;
+  // The transfer loop's block: 4096 bytes in the original client; larger blocks keep a
+  // download from being bound by system calls (one poll, one recv, one write per block).
+  static constexpr std::size_t kBlockSize = 64 * 1024;
   static constexpr std::size_t kReplySize = 2048;
 
   std::thread::id owner;
@@ -37,9 +39,14 @@ struct FtpSession {
   Socket listener = kNoSocket;  // active mode, between PORT and the server's connect
   char type = kFtpTypeAscii;
   bool verbose = false;
-  bool passive = false;
+  FtpDataMode data_mode = FtpDataMode::kActive;
+  bool epsv_refused = false;  // the server answered EPSV with 500/502 once: ask PASV only
   std::uint16_t port = 21;
   int timeout_s = 30;
+  // Bounds the operation under way: its replies, its data connection and its transfer.
+  Deadline deadline;
+  // The last receive on the data connection timed out: its final reply is not waited for.
+  bool data_stalled = false;
   std::array<char, kReplySize> reply{};
   std::deque<std::function<void()>> posted;  // asynchronous work, run by FtpProcessEvents
 };
@@ -53,13 +60,20 @@ class SessionRegistry {
   // Creates the calling thread's session; null when it already has one.
   FtpSession* Create();
   void Remove();
+  // Exchanges the calling thread's session with *slot; either may be empty.
+  void Swap(FtpSessionPtr* slot);
   // True when another thread has a session too (transfers then pause more often).
   bool HasNeighbour();
 
  private:
   std::mutex mutex_;
-  std::vector<std::unique_ptr<FtpSession>> sessions_;
+  std::vector<FtpSessionPtr> sessions_;
 };
+
+// Starts the deadline of a new operation: the session's time-out from now.
+void StartOperation(FtpSession& session);
+// Closes the session's sockets and local file.
+void CloseEverything(FtpSession& session);
 
 // Shared by the parts of the client.
 void CloseLocalFile(FtpSession& session);

@@ -16,19 +16,26 @@ constexpr int kFileCreate = 32;
 constexpr int kMaxAborRetries = 5;
 constexpr int kDrainTimeoutLimit = 5;
 
-// Lets other sessions and the owner's event loop run during a long transfer.
+// Lets other sessions and the owner's event loop run during a long asynchronous transfer. A
+// synchronous transfer runs inside its caller's call and has nobody to wait for: pausing
+// there capped a download at about 400 KB/s.
 void PauseEveryFewBlocks(FtpSession& session) {
+  if (!session.asynchronous || !session.notify) return;
   const std::uint32_t period = SessionRegistry::Instance().HasNeighbour() ? 3 : 10;
   if (++session.blocks % period == 0) {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
   }
 }
 
+// Within the operation's deadline, and never more than a few seconds in all.
 void DrainData(FtpSession& session) {
-  const int limit =
-      session.timeout_s > 0 ? std::min(session.timeout_s, kDrainTimeoutLimit) : kDrainTimeoutLimit;
-  while (TcpRecv(session.data_socket, session.data.data(), static_cast<int>(session.data.size()),
-                 limit, kNoLog) > 0) {
+  const Deadline cap = Deadline::After(kDrainTimeoutLimit);
+  const Deadline& limit =
+      session.deadline.Limited() && session.deadline.RemainingMs() < cap.RemainingMs()
+          ? session.deadline
+          : cap;
+  while (TcpRecvBy(session.data_socket, session.data.data(), static_cast<int>(session.data.size()),
+                   limit, kNoLog) > 0) {
   }
 }
 
@@ -98,10 +105,12 @@ int AbortAction(FtpSession& session, bool drain, bool notify, int debug_position
   return reply;
 }
 
+// Each block that arrives starts the time-out again: a transfer fails when it stalls for the
+// time-out, not when it is long. A stalled one is aborted within what is left of that time-out.
 int TransferLoop(FtpSession& session) {
   for (;;) {
-    const int count = TcpRecv(session.data_socket, session.data.data(),
-                              static_cast<int>(session.data.size()), session.timeout_s, kNoLog);
+    const int count = TcpRecvBy(session.data_socket, session.data.data(),
+                                static_cast<int>(session.data.size()), session.deadline, kNoLog);
     if (count < 0) {
       AbortAction(session, false, false, 10);
       return kFtpDataConnectionFailed;
@@ -118,6 +127,7 @@ int TransferLoop(FtpSession& session) {
       return kFtpCannotWriteFile;
     }
     session.transferred += size;
+    StartOperation(session);
     if (session.progress) {
       Notify(session, FtpEvent::kProgress, static_cast<std::int64_t>(session.transferred));
     }
@@ -135,6 +145,7 @@ int FtpRecvFile(const char* remote, const char* local, char type, bool progress,
   FtpSession* session = TransferSession(&result);
   if (session == nullptr) return result;
   if (remote == nullptr || local == nullptr) return kFtpBadParameters;
+  StartOperation(*session);
   result = OpenDataConnection(*session, std::string("RETR ") + remote, local, kFileCreate, type, 0);
   if (result != kFtpOk) return result;
   StartCounting(*session, progress, notify, 0);
@@ -149,6 +160,7 @@ int FtpRecvFileToHandle(const char* remote, os::FileHandle file, char type, bool
     if (file != os::kNoFile) os::CloseFile(file);
     return session == nullptr ? result : kFtpBadParameters;
   }
+  StartOperation(*session);
   result = OpenDataConnection(*session, std::string("RETR ") + remote, nullptr, 0, type, offset);
   if (result != kFtpOk) {
     os::CloseFile(file);
@@ -167,6 +179,7 @@ int FtpDir(const char* pattern, const char* local, bool long_listing, const FtpN
   if (local == nullptr) return kFtpBadParameters;
   std::string command = long_listing ? "LIST" : "NLST";
   if (pattern != nullptr) command = command + " " + pattern;
+  StartOperation(*session);
   result = OpenDataConnection(*session, command, local, kFileCreate, kFtpTypeAscii, 0);
   if (result != kFtpOk) return result;
   StartCounting(*session, false, notify, 0);
@@ -179,6 +192,7 @@ int FtpOpenDataConnection(const char* remote, int action, char type, std::int64_
   if (session == nullptr) return result;
   if (remote == nullptr) return kFtpBadParameters;
   const std::string command = std::string(RetrieveVerb(action)) + " " + remote;
+  StartOperation(*session);
   result = OpenDataConnection(*session, command, nullptr, 0, type, offset);
   if (result == kFtpOk) StartCounting(*session, false, nullptr, offset);
   return result;
@@ -192,9 +206,13 @@ int FtpRecvThroughDataConnection(char* buffer, int* length) {
     AbortAction(*session, true, false, 20);
     return kFtpAborted;
   }
-  const int count = TcpRecv(session->data_socket, buffer, *length, session->timeout_s, kNoLog);
+  StartOperation(*session);
+  const int count = TcpRecvBy(session->data_socket, buffer, *length, session->deadline, kNoLog);
   if (count == 0) return kFtpDataClosed;
-  if (count < 0) return kFtpDataConnectionFailed;
+  if (count < 0) {
+    session->data_stalled = true;
+    return kFtpDataConnectionFailed;
+  }
   *length = count;
   session->transferred += static_cast<std::uint64_t>(count);
   return kFtpOk;
@@ -205,6 +223,9 @@ int FtpCloseDataConnection() {
   if (session == nullptr) return kFtpNotInitialised;
   CloseLocalFile(*session);
   if (TcpClose(&session->data_socket) != kTcpSuccess) return kFtpCloseFailed;
+  // After a stall or a broken connection the reply is only taken if it is already there.
+  session->deadline = session->data_stalled ? Deadline::Now() : Deadline::After(session->timeout_s);
+  session->data_stalled = false;
   switch (ReadReply(*session)) {
     case 226:
     case 250:

@@ -29,6 +29,12 @@ std::string_view LeadingDigits(std::string_view text) {
   return text.substr(0, end);
 }
 
+std::string_view TrimBlanks(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
 bool SameIgnoringCase(std::string_view text, std::string_view lower) {
   if (text.size() != lower.size()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -67,18 +73,45 @@ bool ParsePassiveReply(std::string_view reply, std::string* host, std::uint16_t*
     if (rest[i] == ',') commas[found++] = i;
   }
   if (found < 5) return false;
-  std::string address(rest.substr(0, commas[3]));
-  for (char& c : address) {
-    if (c == ',') c = '.';
+  std::string address;
+  for (char c : rest.substr(0, commas[3])) {
+    if (c != ' ') address += c == ',' ? '.' : c;
   }
   std::uint32_t high = 0;
   std::uint32_t low = 0;
-  if (!ReadNumber(rest.substr(commas[3] + 1, commas[4] - commas[3] - 1), 255, &high) ||
-      !ReadNumber(LeadingDigits(rest.substr(commas[4] + 1)), 255, &low) || high * 256 + low == 0) {
+  if (!ReadNumber(TrimBlanks(rest.substr(commas[3] + 1, commas[4] - commas[3] - 1)), 255, &high) ||
+      !ReadNumber(LeadingDigits(TrimBlanks(rest.substr(commas[4] + 1))), 255, &low) ||
+      high * 256 + low == 0) {
     return false;
   }
   *host = address;
   *port = static_cast<std::uint16_t>(high * 256 + low);
+  return true;
+}
+
+bool ParseExtendedPassiveReply(std::string_view reply, std::uint16_t* port) {
+  const std::size_t open = reply.find('(');
+  if (open == std::string_view::npos || open + 4 >= reply.size()) return false;
+  const char delimiter = reply[open + 1];
+  if (reply[open + 2] != delimiter || reply[open + 3] != delimiter) return false;
+  const std::string_view rest = reply.substr(open + 4);
+  const std::size_t end = rest.find(delimiter);
+  std::uint32_t number = 0;
+  if (end == std::string_view::npos || !ReadNumber(rest.substr(0, end), 65535, &number) ||
+      number == 0) {
+    return false;
+  }
+  *port = static_cast<std::uint16_t>(number);
+  return true;
+}
+
+bool ParseSizeReply(std::string_view reply, std::uint64_t* size) {
+  if (reply.size() < 5 || reply[3] != ' ') return false;
+  const std::string_view digits = LeadingDigits(reply.substr(4));
+  if (digits.empty() || digits.size() > 19) return false;
+  std::uint64_t value = 0;
+  for (char c : digits) value = value * 10 + static_cast<unsigned>(c - '0');
+  *size = value;
   return true;
 }
 

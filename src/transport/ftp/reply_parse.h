@@ -17,9 +17,18 @@ std::uint64_t ParseAnnouncedSize(std::string_view reply);
 
 // The address and port of a passive-mode reply:
 //   227 Entering Passive Mode (127,0,0,1,195,80).
-// gives "127.0.0.1" and 195 * 256 + 80. False without "(", with fewer than five commas after
-// it, or with a port byte that is not a number up to 255.
+// gives "127.0.0.1" and 195 * 256 + 80; blanks around the numbers are allowed
+// ("(127,0,0,1, 171, 37)"). False without "(", with fewer than five commas after it, or with
+// a port byte that is not a number up to 255.
 bool ParsePassiveReply(std::string_view reply, std::string* host, std::uint16_t* port);
+
+// The port of an extended passive reply (RFC 2428):
+//   229 Entering Extended Passive Mode (|||6446|)
+// The delimiter is whatever character follows "(". False for anything else or port 0.
+bool ParseExtendedPassiveReply(std::string_view reply, std::uint16_t* port);
+
+// The size of a SIZE reply: "213 1234567". False when no number follows the code.
+bool ParseSizeReply(std::string_view reply, std::uint64_t* size);
 
 // The directory of a PWD reply: 257 "/u01/udump" is the current directory. A doubled quote
 // inside stands for one quote. False when the reply holds no quoted text.

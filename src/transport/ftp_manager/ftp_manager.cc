@@ -2,6 +2,8 @@
 // listings and whole-file copies.
 #include "transport/ftp_manager/ftp_manager.h"
 
+#include <cctype>
+
 #include "support/os/file_handle.h"
 #include "support/os/path_separator.h"
 #include "support/os/pending_file.h"
@@ -14,8 +16,58 @@ using ftp_manager::kManger;
 using ftp_manager::kRetrieveClass;
 using ftp_manager::Raise;
 
+namespace {
+
+// The reply's first line ("530 Login incorrect.").
+std::string FirstLine(const std::string& reply) {
+  return reply.substr(0, reply.find('\n'));
+}
+
+// A refusal that asks for TLS:
+//   530 Non-anonymous sessions must use encryption.   (vsftpd)
+//   534 Policy requires SSL.
+//   550 SSL/TLS required on the control channel      (FileZilla answers 530 or 550)
+bool AsksForTls(int code, const std::string& reply) {
+  if (code != 530 && code != 534) return false;
+  std::string lower;
+  for (char c : reply) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (const char* word : {"tls", "ssl", "encrypt", "secure", "auth"}) {
+    if (lower.find(word) != std::string::npos) return true;
+  }
+  return false;
+}
+
+// The client's reason for a failed call: its message, and the server's words when it spoke.
+std::string Reason(int result) {
+  std::string reason = FtpErrorString(result);
+  const std::string reply = FirstLine(FtpLastReply());
+  if (!reply.empty() && result != kFtpNoAnswer && result != kFtpUnknownHost &&
+      result != kFtpTimeout && result != kFtpNoServer) {
+    reason += " (" + reply + ")";
+  }
+  return reason;
+}
+
+}  // namespace
+
+CFtpManager::SessionBinding::SessionBinding(CFtpManager& manager) : manager_(manager) {
+  if (manager_.bound_depth_++ == 0) FtpSwapSession(&manager_.session_);
+}
+
+CFtpManager::SessionBinding::~SessionBinding() {
+  if (--manager_.bound_depth_ == 0) FtpSwapSession(&manager_.session_);
+}
+
+// The thread's own session (if any) is put aside while ours is made, then given back.
 CFtpManager::CFtpManager() {
-  if (FtpInit() != kFtpOk) Raise("CFtpManager::Init", "FtpInit", "FTP failed to initialize!");
+  FtpSessionPtr thread_session;
+  FtpSwapSession(&thread_session);
+  const int result = FtpInit();
+  FtpSwapSession(&session_);
+  FtpSwapSession(&thread_session);
+  if (result != kFtpOk) Raise("CFtpManager::Init", "FtpInit", "FTP failed to initialize!");
+  // Passive first: active connections fail behind NAT and client firewalls.
+  SetDataMode(FtpDataMode::kPassiveThenActive);
 }
 
 CFtpManager::~CFtpManager() {
@@ -27,7 +79,11 @@ CFtpManager::~CFtpManager() {
 }
 
 void CFtpManager::UnInit() {
-  const int released = FtpRelease();
+  int released = kFtpOk;
+  if (session_) {
+    const SessionBinding bound(*this);
+    released = FtpRelease();
+  }
   for (std::string* text : {&pending_, &current_line_, &host_, &user_, &password_, &udump_,
                             &work_dir_, &stream_name_}) {
     std::string().swap(*text);
@@ -57,11 +113,17 @@ void CFtpManager::SetWorkDir(const std::string& path) {
   work_dir_ = path + os::kPathSeparator;
 }
 
+void CFtpManager::SetDataMode(FtpDataMode mode) {
+  const SessionBinding bound(*this);
+  FtpSetDataMode(mode);
+}
+
 void CFtpManager::SetPassiveMode(bool passive) {
-  FtpSetPassiveMode(passive);
+  SetDataMode(passive ? FtpDataMode::kPassive : FtpDataMode::kActive);
 }
 
 void CFtpManager::SetTimeOut(int seconds) {
+  const SessionBinding bound(*this);
   FtpSetDefaultTimeOut(seconds);
 }
 
@@ -69,13 +131,25 @@ void CFtpManager::Init() {
   if (host_.empty() || user_.empty() || password_.empty() || udump_.empty()) {
     Raise(kManger, "Init", "hostname/username/password/udump, one of them is empty!");
   }
+  const SessionBinding bound(*this);
+  failure_reason_.clear();
   FtpSetSynchronousMode();
-  if (FtpLogin(host_.c_str(), user_.c_str(), password_.c_str()) != kFtpOk) {
+  if (const int result = FtpLogin(host_.c_str(), user_.c_str(), password_.c_str());
+      result != kFtpOk) {
+    failure_reason_ = Reason(result);
+    const std::string reply = FtpLastReply();
+    if (AsksForTls(FtpLastReplyCode(), reply)) {
+      Raise(kManger, "Init",
+            "FTP failed to logon: the server requires an encrypted connection (FTP over TLS)! "
+            "Server reply: " +
+                FirstLine(reply));
+    }
     Raise(kManger, "Init",
           "FTP failed to logon with the given info! Check ftp hostname/username/password.");
   }
   logged_on_ = true;
-  if (FtpCWD(udump_.c_str()) != kFtpOk) {
+  if (const int result = FtpCWD(udump_.c_str()); result != kFtpOk) {
+    failure_reason_ = Reason(result);
     Raise(kManger, "Init",
           "FTP failed to change to trace directory! Check FTP qualified trace path.");
   }
@@ -83,7 +157,12 @@ void CFtpManager::Init() {
 }
 
 void CFtpManager::Close() {
+  const SessionBinding bound(*this);
   FinishSizeProbe();
+  if (broken_) {
+    broken_ = false;
+    if (FtpCloseConnection() == kFtpOk) return;
+  }
   if (FtpQuit() != kFtpOk && FtpCloseConnection() != kFtpOk) {
     Raise(kRetrieveClass, "FtpCloseDataConnection", "FTP failed to close connection");
   }
@@ -91,9 +170,10 @@ void CFtpManager::Close() {
 
 void CFtpManager::GetFileList(std::uint16_t mode, const std::string& pattern) {
   if (mode > 1) return;
+  const SessionBinding bound(*this);
   size_probe_open_ = false;  // the listing finishes a data connection left open
   const std::string listing = LocalPath(kListingFileName);
-  if (FtpDir(pattern.c_str(), listing.c_str(), mode == 1) != kFtpOk) {
+  if (ListInto(pattern, listing, mode == 1) != kFtpOk) {
     Raise(kManger, "GetFileList", "FTP failed to get remote file listing!");
   }
 }
@@ -102,6 +182,7 @@ void CFtpManager::GetFileList(std::uint16_t mode, const std::string& pattern) {
 // only once the transfer has ended well: a failed one leaves nothing behind and keeps an older
 // copy, and a link at that name is replaced rather than followed.
 void CFtpManager::RetrieveFile(const std::string& remote) {
+  const SessionBinding bound(*this);
   size_probe_open_ = false;
   os::PendingFile local;
   std::string error;
@@ -115,6 +196,7 @@ void CFtpManager::RetrieveFile(const std::string& remote) {
 }
 
 void CFtpManager::RetrieveFile(const std::string& remote, char type, std::uint64_t offset) {
+  const SessionBinding bound(*this);
   size_probe_open_ = false;
   os::PendingFile local;
   std::string error;

@@ -3,6 +3,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "support/os/wildcard.h"
+
 namespace transport {
 
 namespace {
@@ -39,6 +41,44 @@ bool ReadListingPieces(const std::string& path, std::vector<std::string>* pieces
     rest.remove_prefix(take);
   }
   return true;
+}
+
+bool HasWildcard(std::string_view pattern) {
+  return pattern.find_first_of("*?") != std::string_view::npos;
+}
+
+namespace {
+
+std::string_view ListedName(std::string_view line, bool long_form) {
+  while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
+  if (!long_form) return line;
+  const std::size_t blank = line.find_last_of(" \t");
+  return blank == std::string_view::npos ? line : line.substr(blank + 1);
+}
+
+}  // namespace
+
+bool KeepMatchingLines(const std::string& path, std::string_view pattern, bool long_form) {
+  std::string text;
+  {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return false;
+    text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>{});
+  }
+  std::string kept;
+  std::string_view rest(text);
+  while (!rest.empty()) {
+    const std::size_t end = rest.find('\n');
+    const std::string_view line =
+        rest.substr(0, end == std::string_view::npos ? rest.size() : end + 1);
+    rest.remove_prefix(line.size());
+    const std::string_view name = ListedName(line, long_form);
+    if (!name.empty() && os::WildcardMatch(pattern, name)) kept.append(line);
+  }
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << kept;
+  out.close();
+  return static_cast<bool>(out);
 }
 
 bool IsPlainFileName(std::string_view name) {

@@ -19,6 +19,15 @@ bool ReadListingPieces(const std::string& path, std::vector<std::string>* pieces
 // no '\' and no "..". ("ora_1234.trc" passes; "../evil.trc", "sub/a.trc" do not.)
 bool IsPlainFileName(std::string_view name);
 
+// True when `pattern` holds a wildcard ('*' or '?').
+bool HasWildcard(std::string_view pattern);
+
+// Keeps the lines of a listing file whose name matches `pattern` (the wildcards of
+// os::WildcardMatch), each with its own line end. The name is the whole line of a names-only
+// listing and the last field of a long one ("-rw-r--r-- 1 ora dba 4729 Jan 5 10:00 a.trc").
+// False when the file cannot be read or written.
+bool KeepMatchingLines(const std::string& path, std::string_view pattern, bool long_form);
+
 }  // namespace transport
 
 #endif  // PELICOR_TRANSPORT_FTP_MANAGER_LISTING_NAMES_H_

@@ -54,6 +54,12 @@ int TakeThroughMarker(UntilRead& read, std::size_t end, char* scratch, int* size
 
 int TcpRecvUntilStr(Socket socket, char* buffer, int* size, const char* marker, int marker_length,
                     bool case_sensitive, int timeout_s, LogHandle log) {
+  return TcpRecvUntilStrBy(socket, buffer, size, marker, marker_length, case_sensitive,
+                           Deadline::After(timeout_s), log);
+}
+
+int TcpRecvUntilStrBy(Socket socket, char* buffer, int* size, const char* marker, int marker_length,
+                      bool case_sensitive, const Deadline& deadline, LogHandle log) {
   if (size == nullptr || buffer == nullptr || marker == nullptr) return kTcpInvalidPointer;
   if (*size <= 0 || marker_length <= 0 || socket == kNoSocket) return kTcpError;
   UntilRead read{socket, buffer, static_cast<std::size_t>(*size),
@@ -66,7 +72,7 @@ int TcpRecvUntilStr(Socket socket, char* buffer, int* size, const char* marker, 
   }
   MarkerMatcher matcher(std::string_view(marker, read.marker_length), case_sensitive);
   for (;;) {
-    int status = TcpRecv(socket, nullptr, 0, timeout_s, log);
+    int status = TcpRecvBy(socket, nullptr, 0, deadline, log);
     std::ptrdiff_t peeked = 0;
     if (status == kTcpSuccess) {
       const std::size_t want = read.marker_length + read.capacity - read.received;

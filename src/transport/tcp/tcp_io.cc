@@ -16,11 +16,15 @@ void AppendToLog(LogHandle log, const char* data, std::size_t size) {
   if (log != kNoLog) os::WriteToFile(log, data, size);
 }
 
-// Reads and discards what waits, 64 bytes at a time; the result as TcpFlush gives it.
+// Reads and discards what waits, 64 bytes at a time; the result as TcpFlush gives it. A peer
+// that never stops sending (a server streaming a file nobody reads any more) is left after
+// kMaxReplyBytes: closing the socket ends it anyway.
 int Drain(Socket socket, bool urgent) {
   int result = 0;
   char block[64];
-  while (urgent ? TcpIsOOBDataAvail(socket) : TcpIsDataAvail(socket)) {
+  for (int drained = 0;
+       drained < kMaxReplyBytes && (urgent ? TcpIsOOBDataAvail(socket) : TcpIsDataAvail(socket));
+       drained += static_cast<int>(sizeof block)) {
     const auto count =
         os::Receive(socket, block, sizeof block, urgent ? os::kRecvUrgent : os::kRecvNormal);
     if (count < 0) return FailureStatus();
@@ -35,9 +39,12 @@ int Drain(Socket socket, bool urgent) {
 
 int TcpRecv(Socket socket, char* buffer, int size, int timeout_s, LogHandle log) {
   Trace(kTraceEnter, "TcpRecv on socket ", socket, ". Timeout ", timeout_s, ", bufsize ", size);
+  return TcpRecvBy(socket, buffer, size, Deadline::After(timeout_s), log);
+}
+
+int TcpRecvBy(Socket socket, char* buffer, int size, const Deadline& deadline, LogHandle log) {
   if (socket == kNoSocket) return kTcpError;
-  const int wait_ms = timeout_s == 0 ? -1 : (timeout_s < 0 ? 0 : timeout_s * 1000);
-  const int ready = os::WaitReadable(socket, wait_ms);
+  const int ready = os::WaitReadable(socket, deadline.RemainingMs());
   if (ready == 0) {
     Trace(kTraceInternal, "select on socket ", socket, ": Timeout");
     return kTcpTimeout;
@@ -62,11 +69,19 @@ int TcpRecv(Socket socket, char* buffer, int size, int timeout_s, LogHandle log)
 }
 
 int TcpSend(Socket socket, const char* buffer, int size, bool urgent, LogHandle log) {
+  const std::string_view shown = buffer == nullptr || size <= 0
+                                     ? std::string_view()
+                                     : std::string_view(buffer, static_cast<std::size_t>(size));
+  return TcpSendShowing(socket, buffer, size, urgent, log, shown);
+}
+
+int TcpSendShowing(Socket socket, const char* buffer, int size, bool urgent, LogHandle log,
+                   std::string_view shown) {
   Trace(kTraceEnter, "TcpSend on socket ", socket, ". ", size, " bytes to be sent");
   if (socket == kNoSocket || size < 0 || (buffer == nullptr && size > 0)) return kTcpError;
   const auto total = static_cast<std::size_t>(size);
   AppendToLog(log, buffer, total);
-  TraceHexDump(">", buffer, total);
+  TraceHexDump(">", shown.data(), shown.size());
   for (std::size_t sent = 0; sent < total;) {
     const auto count = os::Send(socket, buffer + sent, total - sent, urgent);
     if (count <= 0) {

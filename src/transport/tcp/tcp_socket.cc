@@ -2,6 +2,7 @@
 // socket library.
 #include <chrono>
 #include <thread>
+#include <vector>
 
 #include "transport/tcp/socket_registry.h"
 #include "transport/tcp/tcp.h"
@@ -38,27 +39,39 @@ int TcpCleanup() {
   return kTcpSuccess;
 }
 
-int TcpConnect(Socket* socket, const char* host, const char* service, std::uint16_t* port) {
+int TcpConnect(Socket* socket, const char* host, const char* service, std::uint16_t* port,
+               const Deadline& deadline) {
   Trace(kTraceEnter, "TcpConnect. Host ", host, ", service ", service ? service : "none", ", port ",
         port ? *port : 0);
   if (socket == nullptr) return kTcpInvalidPointer;
   *socket = kNoSocket;
   const std::uint16_t chosen = ChoosePort(service, port);
   if (chosen == 0) return kTcpNoPort;
-  os::Endpoint peer;
-  if (host == nullptr || !os::ResolveHost(host, &peer)) return kTcpUnknownHost;
-  peer.port = chosen;
-  const Socket connected = os::OpenStreamSocket(peer.v6);
-  if (connected == kNoSocket) return kTcpNoSocket;
-  if (!os::Connect(connected, peer)) {
-    Trace(kTraceError, "connect to ", host);
-    os::CloseSocket(connected);
-    return kTcpConnectFailed;
+  std::vector<os::Endpoint> addresses;
+  if (host == nullptr || !os::ResolveHostAll(host, &addresses)) return kTcpUnknownHost;
+  // A name that resolves to IPv6 first may still be reached over IPv4, and the other way.
+  int status = kTcpConnectFailed;
+  for (os::Endpoint peer : addresses) {
+    peer.port = chosen;
+    if (deadline.Passed()) return kTcpTimeout;
+    const Socket connected = os::OpenStreamSocket(peer.v6);
+    if (connected == kNoSocket) {
+      status = kTcpNoSocket;
+      continue;
+    }
+    const int outcome = os::ConnectWithin(connected, peer, deadline.RemainingMs());
+    if (outcome != 1) {
+      Trace(kTraceError, "connect to ", os::AddressText(peer));
+      os::CloseSocket(connected);
+      status = outcome == 0 ? kTcpTimeout : kTcpConnectFailed;
+      continue;
+    }
+    SocketRegistry::Instance().Add(connected, kSocketConnected);
+    if (port != nullptr) *port = peer.port;
+    *socket = connected;
+    return kTcpSuccess;
   }
-  SocketRegistry::Instance().Add(connected, kSocketConnected);
-  if (port != nullptr) *port = peer.port;
-  *socket = connected;
-  return kTcpSuccess;
+  return status;
 }
 
 int TcpGetListenSocket(Socket* socket, const char* service, std::uint16_t* port, int backlog,
@@ -89,28 +102,42 @@ int TcpGetListenSocket(Socket* socket, const char* service, std::uint16_t* port,
 }
 
 int TcpAccept(Socket* socket, Socket listener, int timeout_s) {
-  Trace(kTraceEnter, "TcpAccept. Listen socket ", listener, ", Timeout ", timeout_s);
+  return TcpAcceptBy(socket, listener, Deadline::After(timeout_s > 0 ? timeout_s : 0));
+}
+
+int TcpAcceptBy(Socket* socket, Socket listener, const Deadline& deadline,
+                const os::Endpoint* only_from) {
+  Trace(kTraceEnter, "TcpAccept. Listen socket ", listener, ", Timeout ",
+        deadline.RemainingMs() / 1000);
   if (socket == nullptr) {
     Trace(kTraceInternal, "TcpAccept. invalid pointer");
     return kTcpInvalidPointer;
   }
   *socket = kNoSocket;
-  const int ready = os::WaitReadable(listener, timeout_s > 0 ? timeout_s * 1000 : -1);
-  if (ready == 0) {
-    Trace(kTraceInternal, "select on socket ", listener, ": Timeout");
-    return kTcpTimeout;
+  for (;;) {
+    const int ready = os::WaitReadable(listener, deadline.RemainingMs());
+    if (ready == 0) {
+      Trace(kTraceInternal, "select on socket ", listener, ": Timeout");
+      return kTcpTimeout;
+    }
+    if (ready < 0) return FailureStatus();
+    Trace(kTraceCall, "accept on listen socket ", listener);
+    os::Endpoint peer;
+    const Socket accepted = os::Accept(listener, &peer);
+    if (accepted == kNoSocket) {
+      Trace(kTraceError, "accept on listen socket ", listener);
+      return FailureStatus();
+    }
+    if (only_from != nullptr && !os::SameAddress(peer, *only_from)) {
+      Trace(kTraceInternal, "refused a connection from ", os::AddressText(peer));
+      os::CloseSocket(accepted);
+      continue;
+    }
+    os::SetLinger(accepted, true, 5);
+    SocketRegistry::Instance().Add(accepted, kSocketConnected);
+    *socket = accepted;
+    return kTcpSuccess;
   }
-  if (ready < 0) return FailureStatus();
-  Trace(kTraceCall, "accept on listen socket ", listener);
-  const Socket accepted = os::Accept(listener);
-  if (accepted == kNoSocket) {
-    Trace(kTraceError, "accept on listen socket ", listener);
-    return FailureStatus();
-  }
-  os::SetLinger(accepted, true, 5);
-  SocketRegistry::Instance().Add(accepted, kSocketConnected);
-  *socket = accepted;
-  return kTcpSuccess;
 }
 
 int TcpClose(Socket* socket) {
