@@ -9,6 +9,7 @@
 
 #include "cli/ftp_commands.h"
 #include "cli/local_commands.h"
+#include "cli/profile_commands.h"
 #include "cli/share_commands.h"
 #include "support/activity_log.h"
 #include "support/exceptions.h"
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   AddActivityLogOption(app);
   cli::AddLocalCommands(app);
+  cli::AddProfileCommands(app);
   cli::AddShareCommands(app);
   cli::AddFtpCommands(app);
   const ActivityLogCloser log_closer;
