@@ -145,26 +145,31 @@ void ProfileBuilder::Call(ProfiledCall kind, const parser::TraceStatement* state
     return;
   }
   StatementTally& tally = statements_[StatementOf(statement, call.cursor)];
-  CountCall(tally, kind, own);
+  CountCall(tally, kind, call, own);
   tally.cpu += Given(call.c);
   tally.elapsed += Given(call.e);
   ClaimRecursiveWaits(depth, &tally);
   if (statement != nullptr) TrackExecution(statement, kind, call, bind_set);
 }
 
+// A call's own figures can be negative (its recursive calls' CPU, counted in coarse ticks,
+// can exceed its own); they count as they are when the line gave the field.
 void ProfileBuilder::CountCall(StatementTally& tally, ProfiledCall kind,
-                               const parser::CallRecord& own) {
+                               const parser::CallRecord& call, const parser::CallRecord& own) {
+  const auto own_part = [](std::int64_t given, std::int64_t own_value) {
+    return given < 0 ? 0 : own_value;
+  };
   CallTally& calls = tally.calls[static_cast<std::size_t>(kind)];
   ++calls.count;
-  calls.cpu += Given(own.c);
-  calls.elapsed += Given(own.e);
-  calls.disk += Given(own.p);
-  calls.query += Given(own.cr);
-  calls.current += Given(own.cu);
-  calls.rows += Given(own.r);
-  calls.misses += static_cast<std::uint64_t>(Given(own.mis));
-  tally.exclusive_cpu += Given(own.c);
-  tally.exclusive_elapsed += Given(own.e);
+  calls.cpu += own_part(call.c, own.c);
+  calls.elapsed += own_part(call.e, own.e);
+  calls.disk += own_part(call.p, own.p);
+  calls.query += own_part(call.cr, own.cr);
+  calls.current += own_part(call.cu, own.cu);
+  calls.rows += Given(call.r);
+  calls.misses += static_cast<std::uint64_t>(Given(call.mis));
+  tally.exclusive_cpu += own_part(call.c, own.c);
+  tally.exclusive_elapsed += own_part(call.e, own.e);
 }
 
 void ProfileBuilder::TrackExecution(const parser::TraceStatement* statement, ProfiledCall kind,

@@ -92,7 +92,8 @@ class ProfileBuilder {
   std::size_t EventNumber(std::string_view name);
   std::size_t StatementOf(const parser::TraceStatement* statement, parser::CursorNo cursor);
   Instance* InstanceOf(const parser::TraceStatement* statement);
-  void CountCall(StatementTally& tally, ProfiledCall kind, const parser::CallRecord& call);
+  void CountCall(StatementTally& tally, ProfiledCall kind, const parser::CallRecord& call,
+                 const parser::CallRecord& own);
   void TrackExecution(const parser::TraceStatement* statement, ProfiledCall kind,
                       const parser::CallRecord& call, std::int32_t bind_set);
   void EndExecution(Instance& instance);
