@@ -5,7 +5,8 @@ set -euo pipefail
 kind=${1:-test}
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
 if [ "$kind" = test ]; then
-  packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl)
+  packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
+            chromium libxml2-utils)
 fi
 missing=()
 for p in "${packages[@]}"; do

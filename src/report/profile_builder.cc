@@ -137,7 +137,7 @@ void ProfileBuilder::Call(ProfiledCall kind, const parser::TraceStatement* state
     if (kind != ProfiledCall::kClose) ++session.calls;
     if (call.tim != 0) {
       Stretch(call.tim - Given(call.e), call.tim);
-      timeline_.Add(call.tim, Given(call.c), 0);
+      timeline_.Add(call.tim, Given(call.e), Given(call.c), 0);
     }
   }
   if (kind == ProfiledCall::kClose) {
@@ -236,7 +236,7 @@ void ProfileBuilder::Wait(const parser::TraceStatement* statement, const parser:
     clock_known_ = true;
     largest_tim_ = std::max(largest_tim_, tim);
     Stretch(tim - ela, tim);
-    timeline_.Add(tim, ela, event + 1);
+    timeline_.Add(tim, ela, ela, event + 1);
   } else {
     unclocked_ += ela;
   }

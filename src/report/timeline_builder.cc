@@ -4,9 +4,11 @@
 
 namespace report {
 
-void TimelineBuilder::Add(std::int64_t end, std::int64_t amount, std::size_t category) {
+void TimelineBuilder::Add(std::int64_t end, std::int64_t duration, std::int64_t amount,
+                          std::size_t category) {
   if (amount <= 0) return;
-  std::int64_t begin = end - amount;
+  if (duration <= 0) duration = 1;
+  std::int64_t begin = end - duration;
   if (!started_) {
     started_ = true;
     start_ = begin;
@@ -19,12 +21,21 @@ void TimelineBuilder::Add(std::int64_t end, std::int64_t amount, std::size_t cat
   }
   while (end - start_ > width_ * static_cast<std::int64_t>(kSlices)) Widen();
   std::int64_t at = begin;
-  while (at < end) {
+  std::int64_t left = amount;
+  while (at < end && left > 0) {
     const auto slice = static_cast<std::size_t>((at - start_) / width_);
     const std::int64_t slice_end = start_ + (static_cast<std::int64_t>(slice) + 1) * width_;
-    const std::int64_t part = std::min(end, slice_end) - at;
+    const std::int64_t covered = std::min(end, slice_end) - at;
+    // The slice's part of the amount, in proportion; the last slice takes what is left.
+    std::int64_t part = left;
+    if (std::min(end, slice_end) < end) {
+      part = static_cast<std::int64_t>(static_cast<double>(amount) * static_cast<double>(covered) /
+                                       static_cast<double>(duration));
+      part = std::min(part, left);
+    }
     AddTo(std::min(slice, kSlices - 1), category, part);
-    at += part;
+    left -= part;
+    at += covered;
   }
 }
 

@@ -17,9 +17,9 @@ class TimelineBuilder {
  public:
   static constexpr std::size_t kSlices = 240;
 
-  // Lays `amount` ticks of category `category` (0: CPU, n: event n - 1) over the stretch of
-  // the clock that ends at `end`.
-  void Add(std::int64_t end, std::int64_t amount, std::size_t category);
+  // Spreads `amount` ticks of category `category` (0: CPU, n: event n - 1) evenly over the
+  // `duration` ticks of the clock that end at `end` (a call's CPU over the call).
+  void Add(std::int64_t end, std::int64_t duration, std::int64_t amount, std::size_t category);
   // The timeline in microseconds; names and idleness are given by event number.
   Timeline Finish(std::int64_t factor, const std::vector<std::string>& names,
                   const std::vector<bool>& idle) const;
