@@ -3,10 +3,11 @@
 # Usage: scripts/deps.sh [build|test]
 set -euo pipefail
 kind=${1:-test}
-packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
+packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
+          libarchive-dev)
 if [ "$kind" = test ]; then
   packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
-            chromium libxml2-utils)
+            chromium libxml2-utils bzip2 xz-utils zstd zip)
 fi
 missing=()
 for p in "${packages[@]}"; do

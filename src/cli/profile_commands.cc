@@ -9,6 +9,7 @@
 #include <string>
 #include <system_error>
 
+#include "cli/local_trace.h"
 #include "cli/progress.h"
 #include "report/html_report.h"
 #include "report/profile_text.h"
@@ -31,12 +32,16 @@ std::uint64_t FileSize(const std::string& path) {
 }
 
 report::Profile ProfileOf(const std::string& trace) {
+  const LocalTrace local(trace);
   report::ProfilingParser parser;
-  ProgressMeter progress("parsing " + trace, FileSize(trace));
+  ProgressMeter progress("parsing " + trace, FileSize(local.path()));
   parser.SetProgressCallback([&progress](std::uint64_t done) { progress.Update(done); });
-  parser.Parse(trace, 0);
+  parser.Parse(local.path(), 0);
   parser.SetProgressCallback(nullptr);
-  return parser.TakeProfile();
+  report::Profile profile = parser.TakeProfile();
+  // A trace without a header line naming its file is named as the user named it.
+  if (profile.header.file == local.path()) profile.header.file = trace;
+  return profile;
 }
 
 // The page goes under a temporary name beside the target and takes its name when complete, so
@@ -72,7 +77,9 @@ void AddProfileCommands(CLI::App& app) {
   auto profile = std::make_shared<ProfileArgs>();
   CLI::App* profile_command = app.add_subcommand(
       "profile", "Response-time profile of a trace file: where the time went, top statements");
-  profile_command->add_option("TRACE", profile->trace, "The trace file")->required();
+  profile_command
+      ->add_option("TRACE", profile->trace, "The trace file (compressed, .zip, - for stdin)")
+      ->required();
   profile_command->add_option("--top", profile->top, "Statements to show in detail")
       ->capture_default_str();
   profile_command->callback([profile] {
@@ -85,7 +92,8 @@ void AddProfileCommands(CLI::App& app) {
   html->top = 20;
   CLI::App* html_command =
       app.add_subcommand("html", "Response-time profile of a trace file as one HTML page");
-  html_command->add_option("TRACE", html->trace, "The trace file")->required();
+  html_command->add_option("TRACE", html->trace, "The trace file (compressed, .zip, - for stdin)")
+      ->required();
   html_command->add_option("--top", html->top, "Statements to show in detail")
       ->capture_default_str();
   html_command->add_option("-o,--output", html->output, "Write to FILE, not standard output")
