@@ -4,13 +4,11 @@ namespace report {
 
 namespace {
 
+// Decimal digits of a positive value (0 for 0 and below); most waits have few.
 std::size_t Digits(std::int64_t value) {
   std::size_t digits = 0;
-  while (value > 0 && digits < 19) {
-    ++digits;
-    value /= 10;
-  }
-  return digits;
+  for (std::int64_t power = 1; value >= power && digits < 18; power *= 10) ++digits;
+  return value >= 1000000000000000000 ? 19 : digits;
 }
 
 }  // namespace

@@ -216,15 +216,17 @@ std::size_t ProfileBuilder::EventNumber(std::string_view name) {
 void ProfileBuilder::Wait(const parser::TraceStatement* statement, const parser::WaitRecord& wait,
                           bool own_time) {
   const std::int64_t ela = Given(wait.ela);
-  std::size_t event = 0;
-  const auto known = event_by_address_.find(wait.nam.data());
   // A wait the parser filed under a statement names its event with the parser's one copy of the
   // name, whose address then names the event; other names view the line and are compared.
-  if (statement != nullptr && known != event_by_address_.end()) {
-    event = known->second;
-  } else {
+  std::size_t event = event_names_.size();
+  if (statement != nullptr) {
+    for (const auto& [address, number] : event_by_address_) {
+      if (address == wait.nam.data()) event = number;
+    }
+  }
+  if (event == event_names_.size()) {
     event = EventNumber(wait.nam);
-    if (statement != nullptr) event_by_address_.emplace(wait.nam.data(), event);
+    if (statement != nullptr) event_by_address_.emplace_back(wait.nam.data(), event);
   }
   SessionTally& session = CurrentSession();
   session.events.At(event).Add(ela);
@@ -250,7 +252,6 @@ void ProfileBuilder::Wait(const parser::TraceStatement* statement, const parser:
   }
   StatementTally& tally = statements_[index];
   tally.own_waits.At(event).Add(ela);
-  tally.inclusive_waits.At(event).Add(ela);
   if (tally.depth >= 1) {
     const auto depth = static_cast<std::size_t>(tally.depth);
     if (depth > parser::RecursiveCalls::kMaxDepth) return;
@@ -277,7 +278,7 @@ void ProfileBuilder::ClaimRecursiveWaits(std::int32_t depth, StatementTally* tal
   PendingWaits children = std::move(pending_[level + 1]);
   pending_.resize(level + 1);
   for (const auto& [event, figures] : children) {
-    if (tally != nullptr) tally->inclusive_waits.At(event).Merge(figures);
+    if (tally != nullptr) tally->claimed_waits.At(event).Merge(figures);
     if (depth >= 1) {
       bool merged = false;
       for (auto& entry : pending_[level]) {

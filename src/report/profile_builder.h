@@ -71,7 +71,7 @@ class ProfileBuilder {
     std::array<CallTally, kCallKinds> calls{};
     std::int64_t cpu = 0, elapsed = 0, exclusive_cpu = 0, exclusive_elapsed = 0;
     EventTallies own_waits;
-    EventTallies inclusive_waits;
+    EventTallies claimed_waits;  // of the recursive statements beneath it
     std::vector<std::int64_t> execution_elapsed, execution_cpu;
     ExecutionRef first_execution, slowest_execution;
   };
@@ -111,7 +111,8 @@ class ProfileBuilder {
 
   std::vector<std::string> event_names_;
   std::vector<bool> event_idle_;
-  std::unordered_map<const char*, std::size_t> event_by_address_;
+  // The parser keeps one copy of each event name: its address names the event.
+  std::vector<std::pair<const char*, std::size_t>> event_by_address_;
   std::vector<StatementTally> statements_;
   std::unordered_map<std::string, std::size_t> statement_by_text_;
   std::unordered_map<parser::CursorNo, std::size_t> unparsed_cursors_;

@@ -91,7 +91,11 @@ StatementProfile ProfileBuilder::MakeStatement(const StatementTally& tally, std:
   statement.exclusive_cpu = tally.exclusive_cpu * factor;
   statement.exclusive_elapsed = tally.exclusive_elapsed * factor;
   statement.waits = Figures(tally.own_waits, factor, decades);
-  statement.inclusive_waits = Figures(tally.inclusive_waits, factor, decades);
+  EventTallies inclusive = tally.own_waits;
+  for (const auto& [event, figures] : tally.claimed_waits.entries()) {
+    inclusive.At(event).Merge(figures);
+  }
+  statement.inclusive_waits = Figures(inclusive, factor, decades);
   statement.elapsed_per_execution = SkewOf(tally.execution_elapsed, factor);
   statement.cpu_per_execution = SkewOf(tally.execution_cpu, factor);
   statement.has_executions = !tally.execution_elapsed.empty();

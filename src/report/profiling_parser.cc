@@ -215,7 +215,8 @@ void ProfilingParser::ScanWait(std::string_view line) {
   CTraceParser::ScanWait(line);
   if (statement != nullptr && statement->waits.size() > before) {
     const parser::WaitRecord& wait = statement->waits.back();
-    builder_.Wait(statement, wait, parser::Contains(line, " tim="));
+    // 10.2 on: "... obj#=5 tim=1083929217631030" ends the line (searched from its end).
+    builder_.Wait(statement, wait, line.rfind(" tim=") != std::string_view::npos);
     return;
   }
   // As the parser reads it: the older form when the p1 p2 p3 scan reaches the line's end.
