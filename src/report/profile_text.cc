@@ -42,15 +42,15 @@ void Rule(std::ostream& out, char c = '-') {
 
 void Header(const Profile& profile, std::ostream& out) {
   const HeaderFacts& header = profile.header;
-  out << "Response-time profile of " << header.file << '\n';
-  if (!header.release.empty()) out << header.release << '\n';
-  if (!header.version.empty()) out << header.version << '\n';
+  Wrapped("Response-time profile of " + header.file, out);
+  if (!header.release.empty()) Wrapped(header.release, out);
+  if (!header.version.empty()) Wrapped(header.version, out);
   std::string where;
   if (!header.instance.empty()) where += "instance " + header.instance;
   if (!header.node.empty()) where += (where.empty() ? "node " : " on ") + header.node;
   if (!header.os_process.empty())
     where += (where.empty() ? "" : ", ") + std::string("process ") + header.os_process;
-  if (!where.empty()) out << where << '\n';
+  if (!where.empty()) Wrapped(where, out);
   out << "Response time " << Seconds(profile.response_time) << " s in " << profile.sessions.size()
       << (profile.sessions.size() == 1 ? " session, " : " sessions, ")
       << Count(static_cast<std::int64_t>(profile.calls)) << " database calls"
