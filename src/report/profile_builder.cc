@@ -10,9 +10,25 @@ namespace report {
 
 namespace {
 
+// No real call or wait lasts this long (116 days in microseconds); a damaged line's figure is
+// cut to it, so that sums of millions of lines cannot overflow.
+constexpr std::int64_t kLargestFigure = 10000000000000;
+
 // Figures a line does not give are -1: they add nothing.
 std::int64_t Given(std::int64_t value) {
-  return value < 0 ? 0 : value;
+  return value < 0 ? 0 : std::min(value, kLargestFigure);
+}
+
+// A figure that can be negative (a call's own figures), cut to the same range.
+std::int64_t Bounded(std::int64_t value) {
+  return std::clamp(value, -kLargestFigure, kLargestFigure);
+}
+
+// A trace time far enough from the ends of the range that spans and slices cannot overflow;
+// others are damaged and place nothing on the clock.
+bool Plausible(std::int64_t tim) {
+  constexpr std::int64_t kRange = std::int64_t{1} << 61;
+  return tim > -kRange && tim < kRange;
 }
 
 // Trace times are summed without overflow traps: a corrupt ela must not stop the profile.
@@ -70,7 +86,8 @@ void ProfileBuilder::Stretch(std::int64_t begin, std::int64_t end) {
 
 void ProfileBuilder::EndStretch() {
   if (!stretch_open_) return;
-  sessions_[session_].response += stretch_end_ - stretch_begin_;
+  sessions_[session_].response =
+      WrappingAdd(sessions_[session_].response, stretch_end_ - stretch_begin_);
   stretch_open_ = false;
 }
 
@@ -125,7 +142,8 @@ std::size_t ProfileBuilder::StatementOf(const parser::TraceStatement* statement,
 void ProfileBuilder::Call(ProfiledCall kind, const parser::TraceStatement* statement,
                           const parser::CallRecord& call, std::int32_t bind_set) {
   clock_ = call.tim;  // as the parser keeps its trace clock, also when a line has no tim
-  if (call.tim != 0) {
+  const bool clocked = call.tim != 0 && Plausible(call.tim);
+  if (clocked) {
     clock_known_ = true;
     largest_tim_ = std::max(largest_tim_, call.tim);
   }
@@ -135,7 +153,7 @@ void ProfileBuilder::Call(ProfiledCall kind, const parser::TraceStatement* state
   if (depth == 0) {
     session.cpu += Given(call.c);
     if (kind != ProfiledCall::kClose) ++session.calls;
-    if (call.tim != 0) {
+    if (clocked) {
       Stretch(call.tim - Given(call.e), call.tim);
       timeline_.Add(call.tim, Given(call.e), Given(call.c), 0);
     }
@@ -157,7 +175,7 @@ void ProfileBuilder::Call(ProfiledCall kind, const parser::TraceStatement* state
 void ProfileBuilder::CountCall(StatementTally& tally, ProfiledCall kind,
                                const parser::CallRecord& call, const parser::CallRecord& own) {
   const auto own_part = [](std::int64_t given, std::int64_t own_value) {
-    return given < 0 ? 0 : own_value;
+    return given < 0 ? 0 : Bounded(own_value);
   };
   CallTally& calls = tally.calls[static_cast<std::size_t>(kind)];
   ++calls.count;
@@ -232,7 +250,7 @@ void ProfileBuilder::Wait(const parser::TraceStatement* statement, const parser:
   session.events.At(event).Add(ela);
   // Before 10.2 a wait has no time of its own: it moves the trace clock on by its ela.
   const std::int64_t tim = own_time ? wait.tim : WrappingAdd(clock_, wait.ela);
-  const bool clocked = own_time || clock_known_;
+  const bool clocked = (own_time || clock_known_) && Plausible(tim);
   clock_ = tim;
   if (clocked) {
     clock_known_ = true;
@@ -240,7 +258,7 @@ void ProfileBuilder::Wait(const parser::TraceStatement* statement, const parser:
     Stretch(tim - ela, tim);
     timeline_.Add(tim, ela, ela, event + 1);
   } else {
-    unclocked_ += ela;
+    unclocked_ = std::min(unclocked_ + ela, kLargestFigure);
   }
   std::size_t index = 0;
   if (statement != nullptr) {

@@ -82,6 +82,32 @@ TEST(ProfileReleases, SessionsTakingTurnsAreProfiledApart) {
   EXPECT_EQ(p.header.instance, "DBM10203");
 }
 
+// Figures at the ends of the 64-bit range, missing ones and absurd depths: the profile neither
+// traps (the sanitizers watch) nor lets them reach its sums.
+TEST(ProfileReleases, DamagedFiguresNeitherTrapNorReachTheSums) {
+  const report::Profile p = ProfileOf(
+      "Oracle Database 10g Enterprise Edition Release 10.2.0.3.0 - 64bit Production\n"
+      "PARSING IN CURSOR #1 len=8 dep=2147483647 uid=0 oct=3 lid=0 tim=100 hv=1 ad='a'\n"
+      "select 1\n"
+      "END OF STMT\n"
+      "EXEC #1:c=9223372036854775807,e=9223372036854775807,p=-5,cr=0,cu=0,mis=0,r=0,dep=0,og=1,"
+      "tim=9223372036854775807\n"
+      "FETCH #1:c=-9223372036854775808,e=-1,p=0,cr=0,cu=0,mis=0,r=1,dep=0,og=1,"
+      "tim=-9223372036854775808\n"
+      "WAIT #1: nam='x' ela= 9223372036854775807 p1=0 p2=0 p3=0\n"
+      "WAIT #1: nam='x' ela= -9223372036854775808 p1=0 p2=0 p3=0 obj#=1 tim=4611686018427387904\n"
+      "EXEC #1:c=1,e=2,p=0,cr=0,cu=0,mis=0,r=0,dep=63,og=1,tim=200\n"
+      "EXEC #1:c=1,e=2,p=0,cr=0,cu=0,mis=0,r=0,dep=2147483647,og=1,tim=300\n"
+      "WAIT #1: nam='x' ela= 5 p1=0 p2=0 p3=0\n"
+      "FETCH #1:c=0,e=0,p=0,cr=0,cu=0,mis=0,r=1,dep=0,og=1,tim=310\n");
+  EXPECT_GE(p.response_time, 0);
+  // At most the largest figure a line may carry (the wait before the clock), and the rest.
+  EXPECT_LE(p.response_time, 10000000000000 + 1000);
+  EXPECT_LE(p.cpu, 10000000000000 + 1000);
+  ASSERT_EQ(p.statements.size(), 1u);
+  EXPECT_EQ(p.statements[0].calls[report::kExecCall].count, 3u);
+}
+
 // STAT op texts of each release: the figures in parentheses by name, the operation before.
 TEST(PlanRows, OperationFiguresOfEachRelease) {
   struct Row {
