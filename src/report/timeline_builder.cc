@@ -1,6 +1,7 @@
 #include "report/timeline_builder.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace report {
 
@@ -20,22 +21,22 @@ void TimelineBuilder::Add(std::int64_t end, std::int64_t duration, std::int64_t 
     begin = start_;
   }
   while (end - start_ > width_ * static_cast<std::int64_t>(kSlices)) Widen();
+  // Each slice takes its share of the amount by how far the stretch has got, rounded, so the
+  // parts add up to the amount exactly.
   std::int64_t at = begin;
-  std::int64_t left = amount;
-  while (at < end && left > 0) {
+  std::int64_t given = 0;
+  while (at < end) {
     const auto slice = static_cast<std::size_t>((at - start_) / width_);
-    const std::int64_t slice_end = start_ + (static_cast<std::int64_t>(slice) + 1) * width_;
-    const std::int64_t covered = std::min(end, slice_end) - at;
-    // The slice's part of the amount, in proportion; the last slice takes what is left.
-    std::int64_t part = left;
-    if (std::min(end, slice_end) < end) {
-      part = static_cast<std::int64_t>(static_cast<double>(amount) * static_cast<double>(covered) /
-                                       static_cast<double>(duration));
-      part = std::min(part, left);
-    }
-    AddTo(std::min(slice, kSlices - 1), category, part);
-    left -= part;
-    at += covered;
+    const std::int64_t slice_end =
+        std::min(end, start_ + (static_cast<std::int64_t>(slice) + 1) * width_);
+    const std::int64_t due =
+        slice_end == end
+            ? amount
+            : std::llround(static_cast<double>(amount) * static_cast<double>(slice_end - begin) /
+                           static_cast<double>(end - begin));
+    if (due > given) AddTo(std::min(slice, kSlices - 1), category, due - given);
+    given = std::max(given, due);
+    at = slice_end;
   }
 }
 
