@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # End-to-end figures of the pelicor command on generated traces: MB/s of trace read for the
-# report, the aggregated document and the call-by-call document, and the peak resident memory.
+# report, the aggregated document, the call-by-call document, the profile and the HTML page,
+# the peak resident memory, and the size of the page.
 # Usage: bench/command_bench.sh [BUILD_DIR=build/release] [MEGABYTES=300] [REPEATS=3]
 # Needs /usr/bin/time (Debian package "time"). Prints figures; judges nothing.
 set -euo pipefail
@@ -36,5 +37,8 @@ for format in 9i 19c; do
   best_of "report ($format)" "$trace" report "$trace"
   best_of "xml --aggregate ($format)" "$trace" xml --aggregate "$trace"
   best_of "xml --calls ($format)" "$trace" xml --calls "$trace" -o "$work/calls.xml"
-  rm -f "$trace" "$work/calls.xml"
+  best_of "profile ($format)" "$trace" profile "$trace"
+  best_of "html ($format)" "$trace" html "$trace" -o "$work/page.html"
+  echo "html page ($format): $(stat -c %s "$work/page.html") bytes"
+  rm -f "$trace" "$work/calls.xml" "$work/page.html"
 done

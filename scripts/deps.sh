@@ -3,10 +3,12 @@
 # Usage: scripts/deps.sh [build|test]
 set -euo pipefail
 kind=${1:-test}
-packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
+packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
+          libarchive-dev)
 if [ "$kind" = test ]; then
   packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
-            libwrap0 libnsl2 libpam0g libcap2)  # what the unpacked vsftpd links against
+            libwrap0 libnsl2 libpam0g libcap2  # what the unpacked vsftpd links against
+            chromium libxml2-utils bzip2 xz-utils zstd zip)
   # The Windows build with its COM server (widl takes the base IDL files from libwine-dev and
   # stdole2.tlb from wine64) and its tests under Wine.
   packages+=(mingw-w64 mingw-w64-tools libwine-dev wine wine64)

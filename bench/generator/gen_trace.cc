@@ -1,14 +1,17 @@
 // gen_trace: writes a generated Oracle SQL trace in the 9i or the 19c layout.
-//   gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE] [9i|19c]
+//   gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE] [9i|19c] [TRUTH_FILE]
+// TRUTH_FILE receives the figures a response-time profile of the trace must find.
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 #include "trace_generator.h"
 
 int main(int argc, char** argv) {
   if (argc < 2) {
-    std::fprintf(stderr, "usage: gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE] [9i|19c]\n");
+    std::fprintf(stderr,
+                 "usage: gen_trace OUTPUT [MEGABYTES] [RANDOM_STATE] [9i|19c] [TRUTH_FILE]\n");
     return 2;
   }
   tracegen::GeneratorOptions options;
@@ -20,6 +23,15 @@ int main(int argc, char** argv) {
   if (!tracegen::WriteTraceFile(argv[1], options, &counts)) {
     std::fprintf(stderr, "gen_trace: cannot write %s\n", argv[1]);
     return 1;
+  }
+  if (argc > 5) {
+    std::ofstream truth(argv[5], std::ios::binary | std::ios::trunc);
+    tracegen::WriteTruth(truth, counts.truth);
+    truth.close();
+    if (!truth) {
+      std::fprintf(stderr, "gen_trace: cannot write %s\n", argv[5]);
+      return 1;
+    }
   }
   std::printf(
       "%s: %llu bytes, %llu lines, %llu statements, %llu waits, %llu binds\n", argv[1],

@@ -1,5 +1,6 @@
 #include "trace_generator.h"
 
+#include <algorithm>
 #include <fstream>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,7 @@ struct CursorState {
   const SqlEntry* sql = nullptr;  // null: closed
   bool executed = false;
   int dep = 0;
+  std::string text;  // the SQL text as written
 };
 
 // What a 19c WAIT line names its three parameters, per event.
@@ -67,6 +69,12 @@ class Session {
   void Binds19c(int cursor, int count);
   void Stat(int cursor, std::size_t id, std::string_view operation);
   void Hex(std::uint64_t value, int digits);
+  // The ground truth of what is written (see generated_truth.h).
+  void TruthOfCall(std::string_view keyword, int cursor, int dep, std::int64_t c, std::int64_t e,
+                   std::int64_t rows);
+  void TruthOfWait(int cursor, std::string_view name, std::int64_t ela, bool seen);
+  void Stretch(std::int64_t begin, std::int64_t end);
+  void EndStretch();
   // The cursor's number in the trace: the slot in 9i, an address in 19c ("#140641987987624").
   std::int64_t Number(int cursor) const {
     return newer_ && cursor != 0 ? 140641987987000 + std::int64_t{cursor} * 4712 : cursor;
@@ -87,12 +95,19 @@ class Session {
   std::int64_t tim_ = 1083929217630818;
   std::int64_t process_number_ = 12;
   std::int64_t statements_in_section_ = 0;
+  // The trace clock as a reader keeps it: lost lines do not move it.
+  std::int64_t reader_tim_ = 0;
+  bool stretch_open_ = false;
+  std::int64_t stretch_begin_ = 0, stretch_end_ = 0;
+  // The recursive calls and waits since the last top-level call, which that call claims.
+  std::int64_t children_c_ = 0, children_e_ = 0, children_waits_ = 0;
 };
 
 GeneratedCounts Session::Run() {
   Header();
   while (text_.bytes() < options_.target_bytes) Step();
   for (int cursor = 1; cursor < static_cast<int>(cursors_.size()); ++cursor) CloseCursor(cursor);
+  EndStretch();
   if (options_.size_limit_line) Line("*** DUMP FILE SIZE IS LIMITED TO 10485760 BYTES ***");
   text_.Flush();
   counts_.bytes = text_.bytes();
@@ -168,6 +183,7 @@ void Session::Step() {
     if (newer_) {
       text_ << "XCTEND rlbk=0, rd_only=0, tim=" << tim_;
       text_.EndLine();
+      reader_tim_ = tim_;
     } else {
       Line("XCTEND rlbk=0, rd_only=0");
     }
@@ -215,7 +231,7 @@ void Session::OpenStatement(int cursor, const SqlEntry& sql, int dep) {
   Line("END OF STMT");
   ++counts_.statements;
   ++statements_in_section_;
-  At(cursor) = CursorState{&sql, false, dep};
+  At(cursor) = CursorState{&sql, false, dep, sql_text};
   Call("PARSE #", cursor, dep, 0);
 }
 
@@ -266,6 +282,7 @@ void Session::CloseCursor(int cursor) {
     text_ << "CLOSE #" << Number(cursor) << ":c=0,e=3,dep=" << std::int64_t{state.dep}
           << ",type=" << random_.Below(4) << ",tim=" << tim_;
     text_.EndLine();
+    TruthOfCall("CLOSE #", cursor, state.dep, 0, 3, 0);
   }
   state = CursorState{};
 }
@@ -300,6 +317,7 @@ void Session::Recursive() {
 
 void Session::NewSection() {
   for (int cursor = 1; cursor < static_cast<int>(cursors_.size()); ++cursor) CloseCursor(cursor);
+  EndStretch();
   Line("");
   ++process_number_;
   Header();
@@ -310,16 +328,21 @@ void Session::NewSection() {
 void Session::Call(std::string_view keyword, int cursor, int dep, std::int64_t rows, bool counted) {
   const std::int64_t elapsed = 20 + random_.Below(3000);
   tim_ += elapsed;
-  text_ << keyword << Number(cursor) << ":c=" << random_.Below(3) * (newer_ ? 1000 : 10000)
-        << ",e=" << elapsed << ",p=" << random_.Below(4) << ",cr=" << random_.Below(40)
-        << ",cu=" << random_.Below(6) << ",mis=" << (keyword == "PARSE #" ? random_.Below(2) : 0)
-        << ",r=" << rows << ",dep=" << std::int64_t{dep};
+  const std::int64_t cpu = random_.Below(3) * (newer_ ? 1000 : 10000);
+  const std::int64_t disk = random_.Below(4);
+  const std::int64_t query = random_.Below(40);
+  const std::int64_t current = random_.Below(6);
+  const std::int64_t misses = keyword == "PARSE #" ? random_.Below(2) : 0;
+  text_ << keyword << Number(cursor) << ":c=" << cpu << ",e=" << elapsed << ",p=" << disk
+        << ",cr=" << query << ",cu=" << current << ",mis=" << misses << ",r=" << rows
+        << ",dep=" << std::int64_t{dep};
   if (newer_) {
     text_ << ",og=1,plh=" << 1000000 + std::int64_t{At(cursor).sql->oct} * 7919 << ",tim=" << tim_;
   } else {
     text_ << ",og=4,tim=" << tim_;
   }
   text_.EndLine();
+  TruthOfCall(keyword, cursor, dep, cpu, elapsed, rows);
   if (!counted) return;
   if (keyword == "PARSE #") ++counts_.parse_calls;
   if (keyword == "EXEC #") ++counts_.exec_calls;
@@ -344,6 +367,73 @@ void Session::Wait(int cursor, std::string_view name, std::int64_t ela, std::int
   }
   text_.EndLine();
   if (counted) ++counts_.waits;
+  // WAIT #0 lines are seen though no statement files them; a 9i wait behind BINDS is lost.
+  TruthOfWait(cursor, name, ela, cursor == 0 || counted);
+}
+
+void Session::Stretch(std::int64_t begin, std::int64_t end) {
+  if (!stretch_open_) {
+    stretch_open_ = true;
+    stretch_begin_ = begin;
+    stretch_end_ = end;
+    return;
+  }
+  stretch_begin_ = std::min(stretch_begin_, begin);
+  stretch_end_ = std::max(stretch_end_, end);
+}
+
+void Session::EndStretch() {
+  if (!stretch_open_) return;
+  counts_.truth.response_time += stretch_end_ - stretch_begin_;
+  stretch_open_ = false;
+}
+
+void Session::TruthOfCall(std::string_view keyword, int cursor, int dep, std::int64_t c,
+                          std::int64_t e, std::int64_t rows) {
+  GeneratedTruth& truth = counts_.truth;
+  reader_tim_ = tim_;
+  std::int64_t own_c = c, own_e = e;
+  std::int64_t claimed_waits = 0;
+  if (dep == 0) {
+    truth.cpu += c;
+    if (keyword != "CLOSE #") ++truth.calls;
+    Stretch(tim_ - e, tim_);
+    own_c -= children_c_;
+    own_e -= children_e_;
+    claimed_waits = children_waits_;
+    children_c_ = children_e_ = children_waits_ = 0;
+  } else {
+    children_c_ += c;
+    children_e_ += e;
+  }
+  if (keyword == "CLOSE #") return;
+  StatementTruth& statement = truth.statements[At(cursor).text];
+  statement.depth = dep;
+  const std::size_t kind = keyword == "PARSE #" ? 0 : keyword == "EXEC #" ? 1 : 2;
+  ++statement.calls[kind].count;
+  statement.calls[kind].own_cpu += own_c;
+  statement.calls[kind].own_elapsed += own_e;
+  statement.cpu += c;
+  statement.elapsed += e;
+  if (kind > 0) statement.rows += rows;
+  statement.inclusive_wait_time += claimed_waits;
+}
+
+void Session::TruthOfWait(int cursor, std::string_view name, std::int64_t ela, bool seen) {
+  if (!seen) return;
+  std::int64_t end = tim_;
+  if (!newer_) {
+    reader_tim_ += ela;
+    end = reader_tim_;
+  }
+  GeneratedTruth& truth = counts_.truth;
+  truth.events[std::string(name)].Add(ela);
+  Stretch(end - ela, end);
+  if (cursor == 0) return;
+  StatementTruth& statement = truth.statements[At(cursor).text];
+  statement.waits[std::string(name)].Add(ela);
+  statement.inclusive_wait_time += ela;
+  if (At(cursor).dep > 0) children_waits_ += ela;
 }
 
 void Session::Binds(int cursor, int count) {

@@ -17,6 +17,8 @@
 #include <ostream>
 #include <string>
 
+#include "generated_truth.h"
+
 namespace tracegen {
 
 enum class TraceFormat { kOracle9i, kOracle19c };
@@ -51,6 +53,7 @@ struct GeneratedCounts {
   std::uint64_t binds = 0;
   std::uint64_t stats = 0;
   std::uint64_t bind_sets = 0;
+  GeneratedTruth truth;  // the figures a response-time profile must find
 };
 
 GeneratedCounts WriteTrace(std::ostream& out, const GeneratorOptions& options);

@@ -12,6 +12,7 @@
 #include "cli/db_commands.h"
 #include "cli/ftp_commands.h"
 #include "cli/local_commands.h"
+#include "cli/profile_commands.h"
 #include "cli/share_commands.h"
 #include "support/activity_log.h"
 #include "support/exceptions.h"
@@ -75,6 +76,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   AddActivityLogOption(app);
   cli::AddLocalCommands(app);
+  cli::AddProfileCommands(app);
   cli::AddShareCommands(app);
   cli::AddFtpCommands(app);
   cli::AddDbCommands(app);
