@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/platform.h"
 #include "ftp_test_servers.h"
 #include "transport/ftp/ftp_client.h"
 
@@ -70,7 +71,6 @@ TEST_F(FtpFaultTest, ResultsAndCommandTranscripts) {
        2002, "USER scott\nPASS tiger\nCWD udump\n"},
       {"pasv_no_parenthesis", true, recv, 3001, "USER scott\nPASS tiger\nTYPE I\nPASV\n"},
       {"pasv_few_commas", true, recv, 3001, "USER scott\nPASS tiger\nTYPE I\nPASV\n"},
-      {"data_drop", true, recv, 2006, "USER scott\nPASS tiger\nTYPE I\nPASV\nRETR x.bin\nABOR\n"},
       {"normal", true,
        [](const ScratchDir& dir) {
          const int result = FtpRecvFileToHandle(
@@ -89,6 +89,18 @@ TEST_F(FtpFaultTest, ResultsAndCommandTranscripts) {
     EXPECT_EQ(FtpServers::Get()->Transcript(c.scenario), c.transcript);
   }
   EXPECT_EQ(ReadWholeFile(dir_.File("data.bin")), FaultFile("data.bin").substr(100));
+}
+
+// The server resets the data connection after 8192 of 100000 bytes and answers 426.
+TEST_F(FtpFaultTest, ResetDataConnectionFailsTheTransferAndAborts) {
+  PELICOR_SKIP_UNDER_WINE(pelicor_test::kWineLosesResets);
+  FtpSetPassiveMode(true);
+  ASSERT_EQ(Login("data_drop"), 0);
+  const int result = FtpRecvFile("x.bin", dir_.File("x.bin").c_str(), 'I', false);
+  EXPECT_EQ(result, 2006) << FtpErrorString(result) << "; last reply: " << FtpLastReply();
+  FtpCloseConnection();
+  EXPECT_EQ(FtpServers::Get()->Transcript("data_drop"),
+            "USER scott\nPASS tiger\nTYPE I\nPASV\nRETR x.bin\nABOR\n");
 }
 
 TEST_F(FtpFaultTest, ContinuationLinesWithoutCodeBelongToTheReply) {
