@@ -6,6 +6,8 @@ kind=${1:-test}
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
 if [ "$kind" = test ]; then
   packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl)
+  # The Windows build and its tests under Wine: GoogleTest is cross-built from its sources.
+  packages+=(mingw-w64 g++-mingw-w64-x86-64-posix mingw-w64-tools googletest wine wine64)
 fi
 missing=()
 for p in "${packages[@]}"; do
