@@ -9,9 +9,10 @@ if [ "$kind" = test ]; then
   packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
             libwrap0 libnsl2 libpam0g libcap2  # what the unpacked vsftpd links against
             chromium libxml2-utils bzip2 xz-utils zstd zip)
-  # The Windows build with its COM server (widl takes the base IDL files from libwine-dev and
-  # stdole2.tlb from wine64) and its tests under Wine.
-  packages+=(mingw-w64 mingw-w64-tools libwine-dev wine wine64)
+  # The Windows build with its COM server and its tests under Wine: GoogleTest is cross-built
+  # from its sources; widl takes the base IDL files from libwine-dev and stdole2.tlb from wine64.
+  packages+=(mingw-w64 g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools
+             googletest libwine-dev wine wine64)
 fi
 missing=()
 for p in "${packages[@]}"; do

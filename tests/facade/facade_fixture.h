@@ -44,8 +44,8 @@ class FacadeTest : public ::testing::Test {
     fs::current_path(root());
     fs::create_directory(work());
     fs::create_directory(udump());
-    EXPECT_EQ(service_.SetWorkingDir(work().c_str(), &msg_), 0);
-    EXPECT_EQ(service_.NfsSetConnectInfo(udump().c_str(), &msg_), 0);
+    EXPECT_EQ(service_.SetWorkingDir(work().string().c_str(), &msg_), 0);
+    EXPECT_EQ(service_.NfsSetConnectInfo(udump().string().c_str(), &msg_), 0);
   }
   ~FacadeTest() override { fs::current_path(previous_dir_); }
 

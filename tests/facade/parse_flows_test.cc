@@ -58,8 +58,8 @@ TEST_F(ParseFileTest, FailuresBeforeAndAfterTheXmlName) {
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.name) + " " + row.message);
     facade::CPelicor fresh;
-    ASSERT_EQ(fresh.SetWorkingDir(work().c_str(), &msg_), 0);
-    ASSERT_EQ(fresh.NfsSetConnectInfo(udump().c_str(), &msg_), 0);
+    ASSERT_EQ(fresh.SetWorkingDir(work().string().c_str(), &msg_), 0);
+    ASSERT_EQ(fresh.NfsSetConnectInfo(udump().string().c_str(), &msg_), 0);
     std::string out = "stale";
     EXPECT_EQ(row.call(fresh, row.name, &out), 1);
     EXPECT_EQ(msg_, row.message);

@@ -38,7 +38,7 @@ class ParseFormsTest : public FtpFlowsTest, public ::testing::WithParamInterface
 INSTANTIATE_TEST_SUITE_P(Forms, ParseFormsTest, ::testing::Values(kLocal, kShare, kFtp));
 
 std::string Document(const fs::path& path) {
-  return fs::exists(path) ? ReadWholeFile(path) : "(none)";
+  return fs::exists(path) ? pelicor_test::ReadTextFile(path) : "(none)";
 }
 
 // The call-by-call document goes to the working directory, the aggregated one next to the trace
@@ -231,7 +231,7 @@ TEST_F(FtpFlowsTest, BatchFormsMeet) {
   {
     CPelicor abandoned;
     ASSERT_EQ(Connect(abandoned), 0);
-    ASSERT_EQ(abandoned.SetWorkingDir(work().c_str(), &msg_), 0);
+    ASSERT_EQ(abandoned.SetWorkingDir(work().string().c_str(), &msg_), 0);
     ASSERT_EQ(abandoned.FtpParseFileEx(kTrace, 1, 0, &out_, &msg_), 0);
     ASSERT_EQ(msg_, "MORE");
     EXPECT_TRUE(FtpIsFree());

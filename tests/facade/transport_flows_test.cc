@@ -117,7 +117,8 @@ TEST_P(TransportFlowsTest, TraceFileOfAProcessSetsTheStartOffset) {
 
   Append(name, trace);
   ASSERT_EQ((service_.*M().parse)(name.c_str(), 0, 0, 0, &out_, &msg_), 0) << msg_;
-  EXPECT_EQ(ReadWholeFile(work() / "4242_orcl.xml"), Fixture("orcl_ora_4242.calls.xml"));
+  EXPECT_EQ(pelicor_test::ReadTextFile(work() / "4242_orcl.xml"),
+            Fixture("orcl_ora_4242.calls.xml"));
 }
 
 // A start-up stores its settings before the lookup, so they stay when it fails; neither it nor a
@@ -149,7 +150,8 @@ TEST_P(TransportFlowsTest, StartUpStatementDocumentAndValidation) {
   Append(name, Fixture(kTrace));
   ASSERT_EQ(service_.ZantivGetTraceInfo("update emp", "9.2.0.4.0", &msg_), 0) << msg_;
   EXPECT_EQ(msg_, "OK");
-  EXPECT_EQ(ReadWholeFile(root() / "4242_orcl.xml"), Fixture("orcl_ora_4242.update.xml"));
+  EXPECT_EQ(pelicor_test::ReadTextFile(root() / "4242_orcl.xml"),
+            Fixture("orcl_ora_4242.update.xml"));
 
   ASSERT_EQ(Validate(lookup, "4711"), 0) << msg_;
   EXPECT_EQ(service_.TraceFileName(), "4711_ora.trc");
@@ -191,7 +193,7 @@ TEST_F(FtpFlowsTest, FailuresNameWhatWentWrongAndReleaseTheSession) {
     SCOPED_TRACE(row.message);
     facade::CPelicor failing;
     ASSERT_EQ(Connect(failing, row.password, row.udump), 0);
-    ASSERT_EQ(failing.SetWorkingDir(work().c_str(), &msg_), 0);
+    ASSERT_EQ(failing.SetWorkingDir(work().string().c_str(), &msg_), 0);
     EXPECT_EQ(row.call(failing, &msg_), 1);
     EXPECT_EQ(msg_, row.message);
     EXPECT_EQ(failing.Transport(), facade::kNoTransport);

@@ -6,9 +6,32 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
 #include "pelicor/pelicor.h"
+
+#ifdef _WIN32
+#include <direct.h>
+#include <io.h>
+/* A fresh directory under the Windows temporary folder (under Wine: a host folder of the
+ * prefix), named like the POSIX one. */
+static char* make_scratch_dir(char* dir, size_t size) {
+  const char* tmp = getenv("TMP");
+  if (tmp == NULL || (size_t)snprintf(dir, size, "%s\\pelicor_c_api_XXXXXX", tmp) >= size ||
+      _mktemp(dir) == NULL || _mkdir(dir) != 0)
+    return NULL;
+  return dir;
+}
+#define chdir _chdir
+#define rmdir _rmdir
+static const char* const kRootDir = "\\";
+#else
+#include <unistd.h>
+static char* make_scratch_dir(char* dir, size_t size) {
+  if (snprintf(dir, size, "/tmp/pelicor_c_api_XXXXXX") >= (int)size) return NULL;
+  return mkdtemp(dir);
+}
+static const char* const kRootDir = "/";
+#endif
 
 static int failures = 0;
 
@@ -46,11 +69,12 @@ static int copy_file(const char* from, const char* to) {
 }
 
 int main(int argc, char** argv) {
-  char dir[] = "/tmp/pelicor_c_api_XXXXXX";
+  char dir[512];
   const char* null_object = "pelicor: the object is NULL";
   const char* no_trc = "Filename does not contain '.trc' !";
   pelicor* p = pelicor_new();
-  if (argc != 2 || p == NULL || mkdtemp(dir) == NULL || chdir(dir) != 0) return 2;
+  if (argc != 2 || p == NULL || make_scratch_dir(dir, sizeof dir) == NULL || chdir(dir) != 0)
+    return 2;
   if (!copy_file(argv[1], "orcl_ora_4242.trc")) return 2;
 
   /* The outputs of a success and of a failure; NULL for outputs that are not wanted. */
@@ -72,8 +96,8 @@ int main(int argc, char** argv) {
   pelicor_delete(p); /* with its batch parse still running */
 
   /* Nothing but the trace and the portion's document was written. */
-  if (remove("orcl_ora_4242.xml") != 0 || remove("orcl_ora_4242.trc") != 0 || chdir("/") != 0 ||
-      rmdir(dir) != 0) {
+  if (remove("orcl_ora_4242.xml") != 0 || remove("orcl_ora_4242.trc") != 0 ||
+      chdir(kRootDir) != 0 || rmdir(dir) != 0) {
     fprintf(stderr, "unexpected files in %s\n", dir);
     ++failures;
   }

@@ -26,8 +26,6 @@ const char* const kCallLines[] = {
     "FETCH#3:c=0,e=1,p=2,cr=3,cu=4,mis=5,r=6,dep=7,og=8,tim=9\n",
     "FETCH  \t#3:c=0,e=1,p=2,cr=3,cu=4,mis=5,r=6,dep=7,og=8,tim=9\n",
     "FETCH #3:c= 5,e=\t6,p= -7,cr=+8,cu=0,mis=0,r=1,dep=0,og=4,tim= 12\n",
-    "FETCH #3:c=0,e=142,p=4294967296,cr=4294967295,cu=2147483648,mis=-2147483649,r=1\n",
-    "FETCH #3:c=0,e=1,p=99999999999999999999,cr=-99999999999999999999,cu=1,mis=0\n",
     "FETCH #3:c=99999999999999999999,e=-99999999999999999999,p=0,cr=0,cu=0,mis=0,r=0\n",
     "FETCH #3:c=9223372036854775807,e=-9223372036854775808,p=0,cr=0,cu=0,mis=0,r=0\n",
     "FETCH #3:c=0,e=142,p=0,cr=0x10,cu=0,mis=0,r=1,dep=0,og=4,tim=1\n",
@@ -45,8 +43,17 @@ const char* const kCallLines[] = {
     "",
 };
 
-TEST(FieldScannerVsSscanf, CallLines) {
-  for (const char* line : kCallLines) {
+// %d fields whose number does not fit in an int: C leaves the result to the library. Ours
+// follows glibc (the low 32 bits of the long it reads), on every platform, so a trace gives the
+// same documents everywhere.
+const char* const kCallLinesOutOfIntRange[] = {
+    "FETCH #3:c=0,e=142,p=4294967296,cr=4294967295,cu=2147483648,mis=-2147483649,r=1\n",
+    "FETCH #3:c=0,e=1,p=99999999999999999999,cr=-99999999999999999999,cu=1,mis=0\n",
+};
+
+template <std::size_t N>
+void CheckCallLines(const char* const (&lines)[N]) {
+  for (const char* line : lines) {
     parser::CallRecord ours;
     parser::ScanCallLine(line, parser::kFetchKeyword, &ours);
     int cursor = 0, p = -1, cr = -1, cu = -1, mis = -1, r = -1, dep = -1, og = -1;
@@ -60,6 +67,23 @@ TEST(FieldScannerVsSscanf, CallLines) {
   }
 }
 
+// The C libraries of Windows (and Wine's) clamp such numbers to INT_MAX/INT_MIN instead.
+#ifdef _WIN32
+#define PELICOR_SKIP_UNLESS_GLIBC_SCANF() \
+  GTEST_SKIP() << "out-of-range %d differs in the Windows C library; glibc's result is ours"
+#else
+#define PELICOR_SKIP_UNLESS_GLIBC_SCANF() static_cast<void>(0)
+#endif
+
+TEST(FieldScannerVsSscanf, CallLines) {
+  CheckCallLines(kCallLines);
+}
+
+TEST(FieldScannerVsSscanf, CallLinesOutOfIntRange) {
+  PELICOR_SKIP_UNLESS_GLIBC_SCANF();
+  CheckCallLines(kCallLinesOutOfIntRange);
+}
+
 const char* const kCursorLines[] = {
     "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1083929217636210 hv=2918884618 "
     "ad='6b5a2c34'\n",
@@ -68,12 +92,16 @@ const char* const kCursorLines[] = {
     "PARSING IN CURSOR #2 len=116 dep=1 uid=0 oct=3 lid=0 tim=1 hv=2 ad='a b'\n",
     "PARSING IN CURSOR#2len=5dep=1uid=0oct=3lid=0tim=1hv=2ad='x'\n",
     "PARSING IN CURSOR #2 len=-116 dep=oops uid=0\n",
-    "PARSING IN CURSOR #2 len=9999999999 dep=1 uid=0 oct=3 lid=0 tim=1 hv=-2 ad='y'\n",
     "PARSING IN CURSOR #",
 };
 
-TEST(FieldScannerVsSscanf, CursorLines) {
-  for (const char* line : kCursorLines) {
+const char* const kCursorLinesOutOfIntRange[] = {
+    "PARSING IN CURSOR #2 len=9999999999 dep=1 uid=0 oct=3 lid=0 tim=1 hv=-2 ad='y'\n",
+};
+
+template <std::size_t N>
+void CheckCursorLines(const char* const (&lines)[N]) {
+  for (const char* line : lines) {
     parser::ParseInCursorRecord ours;
     parser::ScanCursorLine(line, &ours);
     int cursor = -1, len = -1, dep = -1, uid = -1, oct = -1, lid = -1;
@@ -89,6 +117,15 @@ TEST(FieldScannerVsSscanf, CursorLines) {
                               std::string(ad, n > 0 ? n - 1 : 0)))
         << line;
   }
+}
+
+TEST(FieldScannerVsSscanf, CursorLines) {
+  CheckCursorLines(kCursorLines);
+}
+
+TEST(FieldScannerVsSscanf, CursorLinesOutOfIntRange) {
+  PELICOR_SKIP_UNLESS_GLIBC_SCANF();
+  CheckCursorLines(kCursorLinesOutOfIntRange);
 }
 
 const char* const kParseErrorLines[] = {

@@ -37,7 +37,7 @@ TEST(NumberFormat, Fixed2MatchesPrintf) {
   // clang-format off
   std::vector<double> values = {0.0, -0.0, 0.125, 0.375, 2.675, 1.005, 0.005, -0.125, -2.675,
                                 1e20, -1e300, 1e300, 5e-324, 0.995, 99999.995, 123.455,
-                                1.7976931348623157e308, inf, -inf, std::nan(""), -std::nan("")};
+                                1.7976931348623157e308, inf, -inf};
   // clang-format on
   // Every thousandth between -20 and 20 (the halves), and tick sums times the reciprocal of
   // both divisors, as the documents compute them.
@@ -51,11 +51,21 @@ TEST(NumberFormat, Fixed2MatchesPrintf) {
     const std::uint64_t bits = random();
     double value;
     std::memcpy(&value, &bits, sizeof value);
-    values.push_back(value);
+    if (!std::isnan(value)) values.push_back(value);
   }
   for (const double value : values) {
     for (const int width : {0, 8, 10}) ExpectLikePrintf(value, width);
   }
+}
+
+// A NaN prints as glibc prints it, its sign included, on every platform (MinGW's printf drops
+// the sign, so NaNs are not compared with printf above).
+TEST(NumberFormat, Fixed2NotANumberKeepsItsSign) {
+  char text[parser::kMaxFixed2Chars];
+  EXPECT_EQ(std::string(text, parser::FormatFixed2(text, std::nan(""))), "nan");
+  EXPECT_EQ(std::string(text, parser::FormatFixed2(text, -std::nan(""))), "-nan");
+  EXPECT_EQ(std::string(text, AlignRight(text, parser::FormatFixed2(text, -std::nan("")), 6)),
+            "  -nan");
 }
 
 TEST(NumberFormat, DecimalMatchesPrintf) {

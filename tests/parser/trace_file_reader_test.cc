@@ -89,6 +89,19 @@ TEST(TraceFileReader, DropsACarriageReturnBeforeTheNewlineOnly) {
   EXPECT_EQ(WithReader(Repeat('x', 1023) + "\r\n", 1 << 20), split);
 }
 
+// Traces are read in binary mode on every platform: on Windows a Ctrl-Z (text mode's end of
+// file) is an ordinary byte and the lines after it are read, and the CR of a CR LF line is
+// dropped by the reader, not by the C run-time.
+TEST(TraceFileReader, FileKeepsTheLinesAfterACtrlZ) {
+  const TempFile file("WAIT #1: nam='db file sequential read' ela= 13\r\n\x1a\r\nEXEC #1:c=0\r\n");
+  auto reader = parser::TraceFileReader::Open(file.path());
+  ASSERT_NE(reader, nullptr);
+  const std::vector<Piece> expected = {{"WAIT #1: nam='db file sequential read' ela= 13\n", false},
+                                       {"\x1a\n", false},
+                                       {"EXEC #1:c=0\n", false}};
+  EXPECT_EQ(WithReader(*reader), expected);
+}
+
 TEST(TraceFileReader, TellsWhichPiecesMayHoldThreeAsterisks) {
   const std::string text = "a\nSQL*Net\n***\nb\n****\n**\n*" + std::string(1021, 'x') + "***\n";
   for (const std::size_t block_size : {std::size_t{1}, std::size_t{1} << 20}) {

@@ -11,7 +11,7 @@
 
 namespace writer_test {
 
-// Reads the file and checks with pugixml that it is well-formed XML.
+// Reads the file and checks with pugixml that it is well-formed XML (where pugixml is built).
 std::string ReadXml(const std::filesystem::path& path);
 
 // 1. cursor 1, dep 0: a parse, a bind, an exec, a fetch with every field missing, two STAT

@@ -42,7 +42,7 @@ TEST(ActivityLog, WritesOneRecordPerExceptionOnlyWhileOn) {
   support::ActivityLog::Disable();
   exceptions::ExceptionBase after("a", "b", "c", "not logged either");
 
-  const std::string log = pelicor_test::ReadWholeFile(path);
+  const std::string log = pelicor_test::ReadTextFile(path);
   EXPECT_NE(log.find("<MESSAGE>Pelicor - ConvertFilename - ConvertFilename - Filename does not "
                      "contain '.trc' !</MESSAGE>"),
             std::string::npos)

@@ -18,9 +18,61 @@ inline std::string ReadWholeFile(const std::filesystem::path& path) {
   return text.str();
 }
 
+// Documents, reports, listings and the activity log are written in text mode: their lines end in
+// CR LF on Windows and in LF elsewhere. Expected texts in the tests are written with LF.
+#ifdef _WIN32
+inline constexpr std::string_view kLineEnd = "\r\n";
+#else
+inline constexpr std::string_view kLineEnd = "\n";
+#endif
+
+// `text` with each LF written as the platform's line end, as a text-mode write leaves it.
+inline std::string NativeLineEnds(std::string_view text) {
+  std::string native;
+  for (const char c : text) {
+    if (c == '\n') {
+      native += kLineEnd;
+    } else {
+      native += c;
+    }
+  }
+  return native;
+}
+
+// A file written in text mode, read back with LF line ends, so that one expected text serves
+// every platform. On Windows each CR LF becomes LF; a LF without its CR stays marked as
+// "<LF without CR>", so a comparison shows where the platform's line end is missing.
+inline std::string ReadTextFile(const std::filesystem::path& path) {
+  const std::string native = ReadWholeFile(path);
+  if (kLineEnd == "\n") return native;
+  std::string text;
+  for (std::size_t i = 0; i < native.size(); ++i) {
+    if (native.compare(i, 2, "\r\n") == 0) {
+      text += '\n';
+      ++i;
+    } else if (native[i] == '\n') {
+      text += "<LF without CR>\n";
+    } else {
+      text += native[i];
+    }
+  }
+  return text;
+}
+
 inline void WriteWholeFile(const std::filesystem::path& path, std::string_view contents) {
   std::ofstream(path, std::ios::binary | std::ios::trunc)
       .write(contents.data(), static_cast<std::streamsize>(contents.size()));
+}
+
+// Where scratch directories go. Under Wine that is the host's /tmp reached as Z:\tmp, so the
+// Windows build works on real host folders through Wine's drive mapping, as a share is reached.
+inline std::filesystem::path ScratchRoot() {
+#ifdef _WIN32
+  std::error_code ignored;
+  const std::filesystem::path host_tmp = "Z:\\tmp";
+  if (std::filesystem::is_directory(host_tmp, ignored)) return host_tmp;
+#endif
+  return std::filesystem::temp_directory_path();
 }
 
 // A fresh directory under the temporary directory, open to every user (tests that drop their
@@ -30,7 +82,7 @@ class ScratchDir {
  public:
   ScratchDir() {
     static std::atomic<int> counter{0};
-    path_ = std::filesystem::temp_directory_path() /
+    path_ = ScratchRoot() /
             ("pelicor_" + std::to_string(std::random_device{}()) + "_" + std::to_string(counter++));
     std::filesystem::create_directories(path_);
     std::filesystem::permissions(path_, std::filesystem::perms::all);
