@@ -1,5 +1,5 @@
 // pelicor: Oracle SQL trace files to TKPROF-style reports and XML, from local files, a mounted
-// dump directory or an FTP server.
+// dump directory, an FTP or an SFTP server.
 #include <CLI/CLI.hpp>
 
 #include <exception>
@@ -9,6 +9,7 @@
 
 #include "cli/ftp_commands.h"
 #include "cli/local_commands.h"
+#include "cli/sftp_commands.h"
 #include "cli/share_commands.h"
 #include "support/activity_log.h"
 #include "support/exceptions.h"
@@ -50,6 +51,7 @@ int main(int argc, char** argv) {
   cli::AddLocalCommands(app);
   cli::AddShareCommands(app);
   cli::AddFtpCommands(app);
+  cli::AddSftpCommands(app);
   const ActivityLogCloser log_closer;
   try {
     app.parse(argc, argv);
