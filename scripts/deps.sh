@@ -3,9 +3,10 @@
 # Usage: scripts/deps.sh [build|test]
 set -euo pipefail
 kind=${1:-test}
-packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev)
+packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev libssh-dev)
 if [ "$kind" = test ]; then
-  packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl)
+  packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
+    openssh-server libnss-wrapper)
 fi
 missing=()
 for p in "${packages[@]}"; do
