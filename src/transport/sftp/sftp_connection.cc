@@ -25,7 +25,11 @@ void Configure(ssh_session session, const SftpOptions& options, const std::strin
   const long timeout = options.timeout_seconds;
   const int port = options.port;
   const bool read_config = false;
+  // Each read is a request and its answer: Nagle's algorithm would hold the small requests
+  // back until the last answer's acknowledgement, some milliseconds per block.
+  const int no_delay = 1;
   SetOption(session, SSH_OPTIONS_PROCESS_CONFIG, &read_config, address);
+  SetOption(session, SSH_OPTIONS_NODELAY, &no_delay, address);
   SetOption(session, SSH_OPTIONS_HOST, options.host.c_str(), address);
   SetOption(session, SSH_OPTIONS_PORT, &port, address);
   SetOption(session, SSH_OPTIONS_USER, options.user.c_str(), address);
