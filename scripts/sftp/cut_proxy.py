@@ -1,8 +1,10 @@
-"""A TCP proxy in front of the test sshd that drops each connection once the server has sent a
-given number of bytes through it: a server lost in the middle of a transfer, after the log-on
-went through. It writes the port it listens on (127.0.0.1) into STATE/cut.port.
+"""A TCP proxy in front of the test sshd that, once the server has sent a given number of bytes
+through a connection (the log-on went through, a transfer is under way), either drops the
+connection ("cut": a server lost in the middle of a transfer) or stops passing anything on while
+keeping it open ("stall": a server or network gone silent). It writes the port it listens on
+(127.0.0.1) into STATE/MODE.port.
 
-Usage: cut_proxy.py STATE SSHD_PORT [CUT_AFTER_BYTES=262144]
+Usage: cut_proxy.py STATE SSHD_PORT cut|stall [AFTER_BYTES=262144]
 """
 import os
 import socket
@@ -25,16 +27,20 @@ def pump(source, target, limit, done):
     done.set()
 
 
-def serve(client, port, cut_after):
+def serve(client, port, cut_after, stall):
     try:
         server = socket.create_connection(("127.0.0.1", port), 10)
     except OSError:
         client.close()
         return
-    done = threading.Event()
-    for source, target, limit in ((client, server, None), (server, client, cut_after)):
-        threading.Thread(target=pump, args=(source, target, limit, done), daemon=True).start()
-    done.wait()
+    upstream, downstream = threading.Event(), threading.Event()
+    threading.Thread(target=pump, args=(client, server, None, upstream), daemon=True).start()
+    threading.Thread(target=pump, args=(server, client, cut_after, downstream),
+                     daemon=True).start()
+    # cut: close as soon as either direction ends. stall: the server's answers stop at the
+    # limit, but the connection stays open until the client gives up.
+    while not upstream.is_set() and (stall or not downstream.is_set()):
+        upstream.wait(0.05)
     for s in (client, server):
         try:
             s.shutdown(socket.SHUT_RDWR)
@@ -44,18 +50,20 @@ def serve(client, port, cut_after):
 
 
 def main():
-    state, port = sys.argv[1], int(sys.argv[2])
-    cut_after = int(sys.argv[3]) if len(sys.argv) > 3 else 256 * 1024
+    state, port, mode = sys.argv[1], int(sys.argv[2]), sys.argv[3]
+    cut_after = int(sys.argv[4]) if len(sys.argv) > 4 else 256 * 1024
     listener = socket.socket()
     listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
     listener.bind(("127.0.0.1", 0))
     listener.listen(16)
-    with open(os.path.join(state, "cut.port.tmp"), "w") as f:
+    port_file = os.path.join(state, mode + ".port")
+    with open(port_file + ".tmp", "w") as f:
         f.write("%d\n" % listener.getsockname()[1])
-    os.rename(os.path.join(state, "cut.port.tmp"), os.path.join(state, "cut.port"))
+    os.rename(port_file + ".tmp", port_file)
     while True:
         client, _ = listener.accept()
-        threading.Thread(target=serve, args=(client, port, cut_after), daemon=True).start()
+        threading.Thread(target=serve, args=(client, port, cut_after, mode == "stall"),
+                         daemon=True).start()
 
 
 if __name__ == "__main__":

@@ -2,11 +2,12 @@
 # Starts and stops the OpenSSH server the SFTP tests talk to, on 127.0.0.1 only, with its own
 # host key, configuration and account: no system service, user or file is touched.
 #
-#   scripts/sftp/sshd.sh start LINK   creates a state folder under /tmp, starts sshd and a
-#                                     cutting proxy, and points the symbolic link LINK at it
+#   scripts/sftp/sshd.sh start LINK   creates a state folder under /tmp, starts sshd and two
+#                                     faulty proxies, and points the symbolic link LINK at it
 #   scripts/sftp/sshd.sh stop LINK    stops both, removes the folder and LINK
 #
-# The folder holds: user, password, port (sshd), cut.port (the proxy), host_key.pub, id_client
+# The folder holds: user, password, port (sshd), cut.port and stall.port (the proxies),
+# host_key.pub, id_client
 # (the authorised key, no passphrase), id_other (a key the server does not know), root/ (the
 # served tree) and the servers' pid and log files.
 #
@@ -17,8 +18,8 @@
 # it the privilege separation directory only a root sshd needs. SFTP is served in-process
 # (internal-sftp), so the account needs no shell.
 #
-# The proxy (cut_proxy.py) forwards to sshd and drops every connection after a number of bytes
-# from the server, for the tests of a connection lost in the middle of a transfer.
+# The proxies (cut_proxy.py) forward to sshd and, after a number of bytes from the server, drop
+# the connection or fall silent: a connection lost, or a server gone quiet, mid-transfer.
 # Every server dies on its own after a while, so an interrupted run leaves nothing behind.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
@@ -145,9 +146,12 @@ start() {
   echo $! >"$dir/sshd.wrapper.pid"
   wait_for_port "$port"
   echo "$port" >"$dir/port"
-  timeout "$lifetime" "$python" "$here/cut_proxy.py" "$dir" "$port" >>"$dir/cut.log" 2>&1 &
-  echo $! >"$dir/cut.wrapper.pid"
-  wait_for "$dir/cut.port"
+  for mode in cut stall; do
+    timeout "$lifetime" "$python" "$here/cut_proxy.py" "$dir" "$port" "$mode" \
+      >>"$dir/$mode.log" 2>&1 &
+    echo $! >"$dir/$mode.wrapper.pid"
+    wait_for "$dir/$mode.port"
+  done
   trap - ERR EXIT
 }
 

@@ -31,9 +31,11 @@ class SftpManagerTest : public ::testing::Test {
   void SetUp() override {
     PELICOR_REQUIRE_SFTP_SERVER();
     server_ = SftpServer::Get();
-    WriteWholeFile(known_hosts_,
-                   SftpServer::KnownHostsLine(server_->Port(), server_->HostKey()) +
-                       SftpServer::KnownHostsLine(server_->CuttingPort(), server_->HostKey()));
+    std::string known;
+    for (const int port : {server_->Port(), server_->CuttingPort(), server_->StallingPort()}) {
+      known += SftpServer::KnownHostsLine(port, server_->HostKey());
+    }
+    WriteWholeFile(known_hosts_, known);
   }
 
   // Options for the account in `udump` (relative to the served tree), logging on by key.
@@ -276,6 +278,16 @@ TEST_F(SftpManagerTest, LostConnectionFailsTheStreamAndLeavesNoPartialCopy) {
             std::string(lost).insert(std::string(kPrefix).size(), "ReadLine"));
   EXPECT_EQ(ReadWholeFile(work_.File("repeated_9i.trc")), "older copy\n");
   EXPECT_FALSE(std::filesystem::exists(work_.File("repeated_9i.trc.part")));
+}
+
+TEST_F(SftpManagerTest, SilentServerFailsTheStreamAfterTheTimeOut) {
+  sftp::SftpOptions options = Options("traces", server_->StallingPort());
+  options.timeout_seconds = 1;
+  auto manager = Connect(options);
+  ASSERT_TRUE(manager->OpenLines("repeated_9i.trc", 0));
+  EXPECT_EQ(Raised([&] { AllLines(*manager); }),
+            kPrefix + std::string("ReadLine|SFTP failed to read repeated_9i.trc from ") +
+                Address(options.port) + ": no answer from the server for 1 s (time-out)");
 }
 
 }  // namespace

@@ -22,9 +22,11 @@ class SftpServer {
     return server;
   }
 
-  // sshd itself, and the proxy that drops each connection after 256 KiB from the server.
+  // sshd itself, and the proxies that, after 256 KiB from the server, drop each connection or
+  // pass nothing more on.
   int Port() const { return std::stoi(Read("port")); }
   int CuttingPort() const { return std::stoi(Read("cut.port")); }
+  int StallingPort() const { return std::stoi(Read("stall.port")); }
   std::string User() const { return Read("user"); }
   std::string Password() const { return Read("password"); }
   std::string Key(const std::string& name) const { return (state_ / name).string(); }

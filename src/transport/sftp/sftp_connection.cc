@@ -69,6 +69,9 @@ SftpConnection::SftpConnection(const SftpOptions& options)
   }
   VerifyHostKey(session, options, address_);
   LogOn(session, options, address_);
+  // libssh bounds connecting and logging on by the time-out itself, but not the file service.
+  watchdog_ = std::make_unique<Watchdog>(ssh_get_fd(session), options.timeout_seconds);
+  const Watchdog::Guard guard(*watchdog_);
   sftp_.reset(sftp_new(session));
   if (!sftp_ || sftp_init(sftp_.get()) != SSH_OK) {
     Raise("Init",
@@ -77,6 +80,10 @@ SftpConnection::SftpConnection(const SftpOptions& options)
 }
 
 std::string SftpConnection::LastError() const {
+  if (watchdog_ && watchdog_->Fired()) {
+    return "no answer from the server for " + std::to_string(watchdog_->timeout_seconds()) +
+           " s (time-out)";
+  }
   ssh_session session = ssh_.get();
   if (ssh_is_connected(session) == 0) {
     return std::string("the connection was lost (") + ssh_get_error(session) + ")";

@@ -15,6 +15,7 @@
 #include <string>
 
 #include "transport/sftp/sftp_options.h"
+#include "transport/sftp/sftp_watchdog.h"
 
 namespace transport::sftp {
 
@@ -49,6 +50,8 @@ class SftpConnection {
   SftpConnection& operator=(const SftpConnection&) = delete;
 
   sftp_session sftp() const { return sftp_.get(); }
+  // Bounds the wait of the requests made while the guard lives by the time-out.
+  Watchdog::Guard Watch() { return Watchdog::Guard(*watchdog_); }
   // "HOST" or "HOST:PORT", for messages.
   const std::string& address() const { return address_; }
   // Why the last SFTP request failed: the server's status ("no such file") or, when the
@@ -59,6 +62,7 @@ class SftpConnection {
   std::string address_;
   std::unique_ptr<ssh_session_struct, SshSessionFree> ssh_;
   std::unique_ptr<sftp_session_struct, SftpSessionFree> sftp_;
+  std::unique_ptr<Watchdog> watchdog_;  // goes first, while the socket is still open
 };
 
 // The steps of opening, one file each.

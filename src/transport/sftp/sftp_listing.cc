@@ -32,21 +32,33 @@ std::string LongLine(const SftpEntry& entry) {
 
 std::vector<SftpEntry> CSftpManager::ListFiles(const std::string& pattern) {
   sftp::SftpConnection& connection = Connection();
-  const sftp::SftpDir dir(sftp_opendir(connection.sftp(), options_.udump.c_str()));
-  if (!dir) {
+  const auto failed = [&] {
     Raise("GetFileList", "SFTP failed to list " + options_.udump + " on " + connection.address() +
                              ": " + connection.LastError());
-  }
+  };
+  // Each request waits at most the time-out, however long the whole listing takes.
+  sftp::SftpDir dir = [&] {
+    const sftp::Watchdog::Guard guard = connection.Watch();
+    return sftp::SftpDir(sftp_opendir(connection.sftp(), options_.udump.c_str()));
+  }();
+  if (!dir) failed();
   std::vector<SftpEntry> entries;
-  while (const sftp::SftpAttributes entry{sftp_readdir(connection.sftp(), dir.get())}) {
+  for (;;) {
+    const sftp::SftpAttributes entry = [&] {
+      const sftp::Watchdog::Guard guard = connection.Watch();
+      return sftp::SftpAttributes(sftp_readdir(connection.sftp(), dir.get()));
+    }();
+    if (!entry) break;
     if (entry->name == nullptr || entry->type == SSH_FILEXFER_TYPE_DIRECTORY) continue;
     if (!os::WildcardMatch(pattern, entry->name)) continue;
     entries.push_back({entry->name, entry->size, static_cast<std::int64_t>(entry->mtime)});
   }
-  if (sftp_dir_eof(dir.get()) == 0) {
-    Raise("GetFileList", "SFTP failed to list " + options_.udump + " on " + connection.address() +
-                             ": " + connection.LastError());
+  const bool complete = sftp_dir_eof(dir.get()) != 0;
+  {
+    const sftp::Watchdog::Guard guard = connection.Watch();
+    dir.reset();
   }
+  if (!complete) failed();
   std::sort(entries.begin(), entries.end(),
             [](const SftpEntry& a, const SftpEntry& b) { return a.name < b.name; });
   return entries;

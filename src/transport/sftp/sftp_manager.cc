@@ -83,7 +83,10 @@ void CSftpManager::Init() {
   }
   Close();
   auto connection = std::make_unique<sftp::SftpConnection>(options_);
-  const sftp::SftpAttributes directory(sftp_stat(connection->sftp(), options_.udump.c_str()));
+  const sftp::SftpAttributes directory = [&] {
+    const sftp::Watchdog::Guard guard = connection->Watch();
+    return sftp::SftpAttributes(sftp_stat(connection->sftp(), options_.udump.c_str()));
+  }();
   if (!directory || directory->type != SSH_FILEXFER_TYPE_DIRECTORY) {
     Raise("Init", "SFTP failed to change to trace directory " + options_.udump + " on " +
                       connection->address() + ": " +
@@ -109,7 +112,10 @@ std::string CSftpManager::RemotePath(const std::string& name) const {
 
 std::uint64_t CSftpManager::GetFileSize(const std::string& name) {
   sftp::SftpConnection& connection = Connection();
-  const sftp::SftpAttributes attributes(sftp_stat(connection.sftp(), RemotePath(name).c_str()));
+  const sftp::SftpAttributes attributes = [&] {
+    const sftp::Watchdog::Guard guard = connection.Watch();
+    return sftp::SftpAttributes(sftp_stat(connection.sftp(), RemotePath(name).c_str()));
+  }();
   if (!attributes) {
     Raise("GetFileSize", "SFTP failed to find " + name + " on " + connection.address() + ": " +
                              connection.LastError());

@@ -17,6 +17,7 @@ constexpr int kReadOnly = 0;
 SftpStream::SftpStream(SftpConnection& connection, const std::string& path, std::string name,
                        std::uint64_t offset)
     : connection_(connection), name_(std::move(name)), buffer_(kBlockSize) {
+  const Watchdog::Guard guard = connection_.Watch();
   file_.reset(sftp_open(connection_.sftp(), path.c_str(), kReadOnly, 0));
   if (!file_) {
     Raise("OpenDataStream", "SFTP failed to open " + name_ + " on " + connection_.address() + ": " +
@@ -30,7 +31,13 @@ SftpStream::SftpStream(SftpConnection& connection, const std::string& path, std:
   }
 }
 
+SftpStream::~SftpStream() {
+  const Watchdog::Guard guard = connection_.Watch();
+  file_.reset();
+}
+
 std::size_t SftpStream::Read(char* data, std::size_t capacity) {
+  const Watchdog::Guard guard = connection_.Watch();
   const ssize_t count = sftp_read(file_.get(), data, capacity);
   if (count < 0) {
     Raise("ReadLine", "SFTP failed to read " + name_ + " from " + connection_.address() + ": " +

@@ -20,6 +20,9 @@ class SftpStream {
   // Opens `path` (shown as `name` in messages) and moves to `offset`; throws when either fails.
   SftpStream(SftpConnection& connection, const std::string& path, std::string name,
              std::uint64_t offset);
+  SftpStream(const SftpStream&) = delete;
+  SftpStream& operator=(const SftpStream&) = delete;
+  ~SftpStream();  // closes the remote file, within the time-out
 
   // The file's size when it was opened.
   std::uint64_t size() const { return size_; }
