@@ -7,7 +7,7 @@
 #   scripts/sftp/sshd.sh stop LINK    stops both, removes the folder and LINK
 #
 # The folder holds: user, password, port (sshd), cut.port and stall.port (the proxies),
-# host_key.pub, id_client
+# host_key.pub and host_key.fingerprint ("SHA256:..."), id_client
 # (the authorised key, no passphrase), id_other (a key the server does not know), root/ (the
 # served tree) and the servers' pid and log files.
 #
@@ -72,6 +72,7 @@ PY
 make_keys() {
   local dir=$1
   ssh-keygen -q -t ed25519 -N '' -C 'pelicor test host' -f "$dir/host_key"
+  ssh-keygen -l -E sha256 -f "$dir/host_key.pub" | cut -d' ' -f2 >"$dir/host_key.fingerprint"
   ssh-keygen -q -t ed25519 -N '' -C 'pelicor test client' -f "$dir/id_client"
   ssh-keygen -q -t ed25519 -N '' -C 'pelicor unknown client' -f "$dir/id_other"
   cp "$dir/id_client.pub" "$dir/authorized_keys"

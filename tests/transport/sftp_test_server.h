@@ -32,6 +32,8 @@ class SftpServer {
   std::string Key(const std::string& name) const { return (state_ / name).string(); }
   // "ssh-ed25519 AAAA..." of the server's host key.
   std::string HostKey() const { return PublicKey("host_key.pub"); }
+  // "ssh-ed25519 SHA256:...", as messages show the host key.
+  std::string HostKeyFingerprint() const { return "ssh-ed25519 " + Read("host_key.fingerprint"); }
   // "TYPE BASE64" of a public key file of the folder ("id_other.pub"), without its comment.
   std::string PublicKey(const std::string& name) const {
     const std::string line = Read(name);
