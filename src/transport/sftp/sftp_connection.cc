@@ -19,6 +19,12 @@ void SetOption(ssh_session session, ssh_options_e option, const void* value,
   }
 }
 
+// AES-GCM first: with the AES instructions of every current server CPU it moves traces about
+// half again as fast as ChaCha20, which libssh would otherwise pick.
+constexpr const char* kCiphers =
+    "aes128-gcm@openssh.com,aes256-gcm@openssh.com,chacha20-poly1305@openssh.com,"
+    "aes128-ctr,aes192-ctr,aes256-ctr";
+
 // Everything comes from the options: no ssh_config file changes the host, the user or the
 // keys behind the caller's back.
 void Configure(ssh_session session, const SftpOptions& options, const std::string& address) {
@@ -30,6 +36,8 @@ void Configure(ssh_session session, const SftpOptions& options, const std::strin
   const int no_delay = 1;
   SetOption(session, SSH_OPTIONS_PROCESS_CONFIG, &read_config, address);
   SetOption(session, SSH_OPTIONS_NODELAY, &no_delay, address);
+  SetOption(session, SSH_OPTIONS_CIPHERS_C_S, kCiphers, address);
+  SetOption(session, SSH_OPTIONS_CIPHERS_S_C, kCiphers, address);
   SetOption(session, SSH_OPTIONS_HOST, options.host.c_str(), address);
   SetOption(session, SSH_OPTIONS_PORT, &port, address);
   SetOption(session, SSH_OPTIONS_USER, options.user.c_str(), address);
