@@ -209,9 +209,12 @@ TEST_F(SftpManagerTest, CopiesWholeFilesAndRefusesNamesThatLeaveTheDirectory) {
 
   for (const char* name : {"../traces/sample_9i.trc", "sub/a.trc", "a\\b.trc", "..", ""}) {
     SCOPED_TRACE(name);
+    const std::string refused =
+        std::string("|SFTP refused the file name ") + name + ": a file name must not hold a path.";
     EXPECT_EQ(Raised([&] { manager->RetrieveFile(name, work_.str(), nullptr); }),
-              kPrefix + std::string("RetrieveFile|SFTP refused the file name ") + name +
-                  ": a file name must not hold a path.");
+              kPrefix + std::string("RetrieveFile") + refused);
+    EXPECT_EQ(Raised([&] { manager->OpenLines(name, 0); }),
+              kPrefix + std::string("OpenDataStream") + refused);
   }
   EXPECT_EQ(Raised([&] { manager->RetrieveFile("missing.trc", work_.str(), nullptr); }),
             kPrefix + std::string("OpenDataStream|SFTP failed to open missing.trc on ") +

@@ -66,6 +66,12 @@ bool IsPlainSftpName(std::string_view name) {
          name.find("..") == std::string_view::npos;
 }
 
+void CSftpManager::RequirePlainName(const char* method, const std::string& name) {
+  if (!IsPlainSftpName(name)) {
+    Raise(method, "SFTP refused the file name " + name + ": a file name must not hold a path.");
+  }
+}
+
 CSftpManager::CSftpManager() = default;
 CSftpManager::~CSftpManager() = default;
 
@@ -125,10 +131,7 @@ std::uint64_t CSftpManager::GetFileSize(const std::string& name) {
 
 std::uint64_t CSftpManager::RetrieveFile(const std::string& name, const std::string& directory,
                                          const Progress& progress) {
-  if (!IsPlainSftpName(name)) {
-    Raise("RetrieveFile",
-          "SFTP refused the file name " + name + ": a file name must not hold a path.");
-  }
+  RequirePlainName("RetrieveFile", name);
   sftp::SftpStream stream(Connection(), RemotePath(name), name, 0);
   PartFile local(std::filesystem::path(directory) / name);
   std::vector<char> block(sftp::SftpStream::kBlockSize);
@@ -145,6 +148,8 @@ std::uint64_t CSftpManager::RetrieveFile(const std::string& name, const std::str
 }
 
 bool CSftpManager::OpenLines(const std::string& name, std::uint64_t offset) {
+  // Documents are named after the trace: a name with a path would put them elsewhere.
+  RequirePlainName("OpenDataStream", name);
   stream_.reset();
   stream_ = std::make_unique<sftp::SftpStream>(Connection(), RemotePath(name), name, offset);
   return true;

@@ -85,6 +85,7 @@ class CSftpManager : public parser::LineSource {
                              const Progress& progress);
 
   // --- parser::LineSource: a trace file of the trace directory from byte `offset` on --------
+  // `name` must be a plain file name, as for RetrieveFile.
   // Lines end in exactly one "\n" (a CR before it stays); a last line without one is not
   // handed out (a trace still being written ends in half a line). Reading fails with an
   // exception when the connection breaks; the end of the file is the end of the lines.
@@ -97,6 +98,8 @@ class CSftpManager : public parser::LineSource {
  private:
   sftp::SftpConnection& Connection();
   std::string RemotePath(const std::string& name) const;
+  // Throws unless `name` is a plain file name (IsPlainSftpName).
+  static void RequirePlainName(const char* method, const std::string& name);
 
   sftp::SftpOptions options_;
   std::string work_dir_;
