@@ -25,10 +25,11 @@ struct Connection {
   std::string address;  // HOST or HOST:PORT
   transport::sftp::SftpOptions options;
   std::string password_file;
+  std::string password;
 };
 
-// The first line of the password file, or the environment's; empty when neither is given
-// (keys alone may do).
+// The first line of the password file, or --password, or the environment's; empty when none is
+// given (keys alone may do).
 std::string Password(const Connection& connection) {
   if (!connection.password_file.empty()) {
     std::ifstream in(connection.password_file);
@@ -39,6 +40,7 @@ std::string Password(const Connection& connection) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
     return line;
   }
+  if (!connection.password.empty()) return connection.password;
   const char* password = std::getenv(kPasswordVariable);
   return password != nullptr ? password : "";
 }
@@ -77,6 +79,10 @@ void AddConnectionOptions(CLI::App& command, Connection& connection) {
                   std::string("Read the password from the first line of FILE (or set ") +
                       kPasswordVariable + "); tried after the keys")
       ->option_text("FILE")
+      ->group("Connection");
+  command
+      .add_option("--password", connection.password,
+                  "The password itself; discouraged: other users can see it in the process list")
       ->group("Connection");
   command
       .add_option("--known-hosts", options.known_hosts,

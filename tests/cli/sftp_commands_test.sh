@@ -60,6 +60,8 @@ check "password from a file" "orcl_ora_4711.trc 4711" \
 check "password from the environment" "orcl_ora_4711.trc 4711" \
   "$(PELICOR_SFTP_PASSWORD=$(cat "$state/password") "$pelicor" sftp find 4711 $login \
      --udump "$served/lookup" 2>&1)"
+check "password on the command line" "orcl_ora_4711.trc 4711" \
+  "$("$pelicor" sftp find 4711 $login --udump "$served/lookup" --password "$(cat "$state/password")" 2>&1)"
 check "a wrong password, exit 1" \
   "pelicor: SFTP failed to log on to 127.0.0.1:$port as oracle: the server accepted neither the keys of the SSH agent and ~/.ssh nor the password. 1" \
   "$(PELICOR_SFTP_PASSWORD=wrong "$pelicor" sftp find 4711 $login --udump "$served/lookup" 2>&1) $?"
