@@ -137,7 +137,7 @@ std::uint64_t CSftpManager::RetrieveFile(const std::string& name, const std::str
   std::vector<char> block(sftp::SftpStream::kBlockSize);
   std::uint64_t copied = 0;
   for (;;) {
-    const std::size_t count = stream.Read(block.data(), block.size());
+    const std::size_t count = stream.Read(block.data());
     if (count == 0) break;
     local.Write(block.data(), count);
     copied += count;

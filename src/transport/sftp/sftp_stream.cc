@@ -3,6 +3,7 @@
 #include <cstring>
 #include <utility>
 
+#include "support/exceptions.h"
 #include "transport/sftp/sftp_raise.h"
 
 namespace transport::sftp {
@@ -16,7 +17,7 @@ constexpr int kReadOnly = 0;
 
 SftpStream::SftpStream(SftpConnection& connection, const std::string& path, std::string name,
                        std::uint64_t offset)
-    : connection_(connection), name_(std::move(name)), buffer_(kBlockSize) {
+    : connection_(connection), name_(std::move(name)), next_offset_(offset), buffer_(kBlockSize) {
   const Watchdog::Guard guard = connection_.Watch();
   file_.reset(sftp_open(connection_.sftp(), path.c_str(), kReadOnly, 0));
   if (!file_) {
@@ -33,17 +34,63 @@ SftpStream::SftpStream(SftpConnection& connection, const std::string& path, std:
 
 SftpStream::~SftpStream() {
   const Watchdog::Guard guard = connection_.Watch();
+  try {
+    Restart(next_offset_);
+  } catch (const exceptions::ExceptionBase&) {
+    // The connection is gone; the session's end frees what it still holds.
+  }
   file_.reset();
 }
 
-std::size_t SftpStream::Read(char* data, std::size_t capacity) {
-  const Watchdog::Guard guard = connection_.Watch();
-  const ssize_t count = sftp_read(file_.get(), data, capacity);
-  if (count < 0) {
-    Raise("ReadLine", "SFTP failed to read " + name_ + " from " + connection_.address() + ": " +
-                          connection_.LastError());
+void SftpStream::Fail(const char* method) {
+  Raise(method, "SFTP failed to read " + name_ + " from " + connection_.address() + ": " +
+                    connection_.LastError());
+}
+
+void SftpStream::RequestAhead() {
+  while (!end_seen_ && requests_.size() < kRequestsAhead) {
+    // libssh moves its own offset on by the length asked for with every request.
+    const int id = sftp_async_read_begin(file_.get(), static_cast<std::uint32_t>(kBlockSize));
+    if (id < 0) Fail("ReadLine");
+    requests_.push_back({static_cast<std::uint32_t>(id), next_offset_});
+    next_offset_ += kBlockSize;
   }
+}
+
+std::size_t SftpStream::Receive(Request request, char* data) {
+  // libssh answers 0 to every request of a file once one has met its end, without collecting
+  // the answer: moving the file (to where it is) clears that mark.
+  if (sftp_seek64(file_.get(), next_offset_) != 0) Fail("ReadLine");
+  const int count =
+      sftp_async_read(file_.get(), data, static_cast<std::uint32_t>(kBlockSize), request.id);
+  if (count < 0) Fail("ReadLine");
   return static_cast<std::size_t>(count);
+}
+
+void SftpStream::Restart(std::uint64_t offset) {
+  std::vector<char> dropped(requests_.empty() ? 0 : kBlockSize);
+  while (!requests_.empty()) {
+    const Request request = requests_.front();
+    requests_.pop_front();
+    Receive(request, dropped.data());
+  }
+  next_offset_ = offset;
+  if (sftp_seek64(file_.get(), offset) != 0) Fail("ReadLine");
+}
+
+// A block shorter than asked for ends the file for now (or the server sends less at once): the
+// requests behind it asked for bytes beyond, which a growing file may have by the time the
+// server reads them, so they are dropped and reading goes on right behind the short block.
+std::size_t SftpStream::Read(char* data) {
+  const Watchdog::Guard guard = connection_.Watch();
+  RequestAhead();
+  if (requests_.empty()) return 0;
+  const Request request = requests_.front();
+  requests_.pop_front();
+  const std::size_t count = Receive(request, data);
+  if (count == 0) end_seen_ = true;
+  if (count < kBlockSize) Restart(request.offset + count);
+  return count;
 }
 
 bool SftpStream::NextLine(std::string_view* line) {
@@ -62,7 +109,7 @@ bool SftpStream::NextLine(std::string_view* line) {
     end_ -= begin_;
     begin_ = 0;
     if (buffer_.size() < end_ + kBlockSize) buffer_.resize(end_ + kBlockSize);
-    const std::size_t count = Read(buffer_.data() + end_, kBlockSize);
+    const std::size_t count = Read(buffer_.data() + end_);
     if (count == 0) at_end_ = true;
     end_ += count;
   }
