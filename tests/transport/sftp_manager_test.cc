@@ -257,20 +257,25 @@ TEST_F(SftpManagerTest, StreamsFromAnOffsetAndSeesWhatTheFileGrewBy) {
 
 TEST_F(SftpManagerTest, LostConnectionFailsTheStreamAndLeavesNoPartialCopy) {
   const sftp::SftpOptions options = Options("traces", server_->CuttingPort());
-  const std::string lost = kPrefix + std::string("|SFTP failed to read repeated_9i.trc from ") +
-                           Address(options.port) +
-                           ": the connection was lost (Socket error: disconnected)";
+  // libssh's own words follow in brackets: they depend on whether it was sending or receiving
+  // ("Socket error: disconnected", "Socket error: Broken pipe").
+  const std::string lost = kPrefix +
+                           std::string("ReadLine|SFTP failed to read repeated_9i.trc from ") +
+                           Address(options.port) + ": the connection was lost (Socket error: ";
+  const auto failure = [&](const std::string& raised) {
+    return raised.compare(0, lost.size(), lost) == 0 ? lost + "...)" : raised;
+  };
   {
     auto manager = Connect(options);
     ASSERT_TRUE(manager->OpenLines("repeated_9i.trc", 0));
-    EXPECT_EQ(Raised([&] { AllLines(*manager); }),
-              std::string(lost).insert(std::string(kPrefix).size(), "ReadLine"));
+    EXPECT_EQ(failure(Raised([&] { AllLines(*manager); })), lost + "...)");
   }
   // An older copy stays as it was.
   WriteWholeFile(work_.File("repeated_9i.trc"), "older copy\n");
   auto manager = Connect(options);
-  EXPECT_EQ(Raised([&] { manager->RetrieveFile("repeated_9i.trc", work_.str(), nullptr); }),
-            std::string(lost).insert(std::string(kPrefix).size(), "ReadLine"));
+  EXPECT_EQ(
+      failure(Raised([&] { manager->RetrieveFile("repeated_9i.trc", work_.str(), nullptr); })),
+      lost + "...)");
   EXPECT_EQ(ReadWholeFile(work_.File("repeated_9i.trc")), "older copy\n");
   EXPECT_FALSE(std::filesystem::exists(work_.File("repeated_9i.trc.part")));
 }
