@@ -7,8 +7,9 @@
 // "CSftpManager", and a message that names the server and, where there is one, the file.
 //
 // One object holds at most one connection and one open stream; it is used from one thread at a
-// time. The destructor closes what is open and never throws. Beyond the service object's 25
-// methods: the command and the C++ library use it.
+// time. Every request to the server waits at most the time-out. The destructor closes what is
+// open and never throws. Beyond the service object's 25 methods: the command and the service
+// object's Sftp* methods (and so the C ABI) use it.
 #ifndef PELICOR_TRANSPORT_SFTP_SFTP_MANAGER_H_
 #define PELICOR_TRANSPORT_SFTP_SFTP_MANAGER_H_
 
