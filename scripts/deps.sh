@@ -4,11 +4,12 @@
 set -euo pipefail
 kind=${1:-test}
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
-          libarchive-dev)
+          libarchive-dev libssh-dev)
 if [ "$kind" = test ]; then
   packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
             libwrap0 libnsl2 libpam0g libcap2  # what the unpacked vsftpd links against
-            chromium libxml2-utils bzip2 xz-utils zstd zip)
+            chromium libxml2-utils bzip2 xz-utils zstd zip
+            openssh-server libnss-wrapper)
   # The Windows build with its COM server and its tests under Wine: GoogleTest is cross-built
   # from its sources; widl takes the base IDL files from libwine-dev and stdole2.tlb from wine64.
   packages+=(mingw-w64 g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools

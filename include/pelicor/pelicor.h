@@ -102,6 +102,24 @@ PELICOR_API int pelicor_UtlValidation(pelicor* p, uint64_t oracleHandle, unsigne
 PELICOR_API int pelicor_FtpGetTraceFileListPID(pelicor* p, const char* PID, char** msg);
 PELICOR_API int pelicor_NfsGetTraceFileListPID(pelicor* p, const char* PID, char** msg);
 
+/* SFTP, beyond the 25 methods: as their FTP counterparts, over SSH's file protocol. The host key
+ * is checked against knownHostsFile (NULL or "": ~/.ssh/known_hosts); acceptNewHostKey other
+ * than 0 trusts and records an unknown one (a changed key is always refused). Log-on by
+ * identityFile (NULL or "": the SSH agent and ~/.ssh's keys), then by password when given.
+ * The listing file is "SftpTraceFileList.txt". Builds without libssh (Windows) answer 1 with
+ * "SFTP is not available in this build (it was built without libssh)". */
+PELICOR_API int pelicor_SftpSetConnectInfo(pelicor* p, const char* hostname, const char* username,
+                                           const char* password, const char* udump,
+                                           const char* identityFile, const char* knownHostsFile,
+                                           unsigned short acceptNewHostKey, char** msg);
+PELICOR_API int pelicor_SftpGetTraceFileList(pelicor* p, unsigned short listStyle, char** msg);
+PELICOR_API int pelicor_SftpGetTraceFile(pelicor* p, const char* fileName, char** msg);
+PELICOR_API int pelicor_SftpGetTraceFilePID(pelicor* p, const char* PID, unsigned short contents,
+                                            char** fname, char** msg);
+PELICOR_API int pelicor_SftpParseFile(pelicor* p, const char* fileName, unsigned short parseOption,
+                                      unsigned short isAggregated, unsigned short xmlType,
+                                      char** outputXML, char** msg);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

@@ -160,6 +160,34 @@ class Pelicor {
                 [&](char** m) { return pelicor_ZantivGetTraceInfo(p_, statement_id, OraVer, m); });
   }
 
+  // SFTP, beyond the 25 methods (see pelicor.h).
+  int SftpSetConnectInfo(const char* hostname, const char* username, const char* password,
+                         const char* udump, const char* identityFile, const char* knownHostsFile,
+                         unsigned short acceptNewHostKey, std::string* msg) {
+    return Call(msg, [&](char** m) {
+      return pelicor_SftpSetConnectInfo(p_, hostname, username, password, udump, identityFile,
+                                        knownHostsFile, acceptNewHostKey, m);
+    });
+  }
+  int SftpGetTraceFileList(unsigned short listStyle, std::string* msg) {
+    return Call(msg, [&](char** m) { return pelicor_SftpGetTraceFileList(p_, listStyle, m); });
+  }
+  int SftpGetTraceFile(const char* fileName, std::string* msg) {
+    return Call(msg, [&](char** m) { return pelicor_SftpGetTraceFile(p_, fileName, m); });
+  }
+  int SftpGetTraceFilePID(const char* PID, unsigned short contents, std::string* fname,
+                          std::string* msg) {
+    return Call(fname, msg, [&](char** o, char** m) {
+      return pelicor_SftpGetTraceFilePID(p_, PID, contents, o, m);
+    });
+  }
+  int SftpParseFile(const char* fileName, unsigned short parseOption, unsigned short isAggregated,
+                    unsigned short xmlType, std::string* outputXML, std::string* msg) {
+    return Call(outputXML, msg, [&](char** o, char** m) {
+      return pelicor_SftpParseFile(p_, fileName, parseOption, isAggregated, xmlType, o, m);
+    });
+  }
+
  private:
   // Moves a string of the C ABI into `out` (when wanted) and frees it.
   static void Take(char* s, std::string* out) noexcept {

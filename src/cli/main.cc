@@ -1,5 +1,5 @@
 // pelicor: Oracle SQL trace files to TKPROF-style reports and XML, from local files, a mounted
-// dump directory, an FTP server or a database connection.
+// dump directory, an FTP or SFTP server, or a database connection.
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
@@ -13,6 +13,7 @@
 #include "cli/ftp_commands.h"
 #include "cli/local_commands.h"
 #include "cli/profile_commands.h"
+#include "cli/sftp_commands.h"
 #include "cli/share_commands.h"
 #include "support/activity_log.h"
 #include "support/exceptions.h"
@@ -80,6 +81,7 @@ int main(int argc, char** argv) {
   cli::AddShareCommands(app);
   cli::AddFtpCommands(app);
   cli::AddDbCommands(app);
+  cli::AddSftpCommands(app);
   const ActivityLogCloser log_closer;
   try {
     app.parse(argc, argv);

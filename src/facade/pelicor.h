@@ -25,6 +25,7 @@
 #include <string>
 
 #include "facade/connect_info.h"
+#include "facade/sftp_settings.h"
 #include "transport/ftp_manager/ftp_connect_info.h"
 #include "transport/nfs/nfs_connect_info.h"
 
@@ -138,6 +139,23 @@ class CPelicor {
   // Before any validation or start-up it does nothing and answers "OK".
   int ZantivGetTraceInfo(const char* statement_id, const char* OraVer, std::string* msg);
 
+  // --- SFTP, beyond the 25 methods --------------------------------------------------------
+  // As their FTP counterparts, over SSH's file protocol; the listing file is
+  // "SftpTraceFileList.txt" and the lookup follows the file share's rule. In a build without
+  // libssh each fails with "SFTP is not available in this build (it was built without
+  // libssh)". SftpSetConnectInfo stores the texts (missing ones read as empty; `password`
+  // may be, when a key logs on) and contacts nothing; `acceptNewHostKey` other than 0 trusts
+  // and records the key of a server the known-hosts file does not know.
+  int SftpSetConnectInfo(const char* hostname, const char* username, const char* password,
+                         const char* udump, const char* identityFile, const char* knownHostsFile,
+                         std::uint16_t acceptNewHostKey, std::string* msg);
+  int SftpGetTraceFileList(std::uint16_t listStyle, std::string* msg);
+  int SftpGetTraceFile(const char* fileName, std::string* msg);
+  int SftpGetTraceFilePID(const char* PID, std::uint16_t contents, std::string* fname,
+                          std::string* msg);
+  int SftpParseFile(const char* fileName, std::uint16_t parseOption, std::uint16_t isAggregated,
+                    std::uint16_t xmlType, std::string* outputXML, std::string* msg);
+
   // --- State, for tests and diagnostics -------------------------------------------------------
   const std::string& WorkingDir() const { return working_dir_; }
   const transport::FtpConnectInfo& FtpInfo() const { return ftp_info_; }
@@ -187,6 +205,7 @@ class CPelicor {
   UtlConnectInfo utl_info_;
   std::unique_ptr<transport::CFtpManager> ftp_stream_;  // during an FTP batch parse
   std::unique_ptr<transport::CNfsManager> nfs_stream_;  // during a file-share batch parse
+  SftpSettings sftp_settings_;
   std::unique_ptr<parser::SortOptions> sort_options_;   // null until SetSortOption
   std::unique_ptr<parser::CTraceParser> batch_parser_;  // during any batch parse
   std::string working_dir_;

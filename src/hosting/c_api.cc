@@ -274,4 +274,41 @@ int pelicor_NfsGetTraceFileListPID(pelicor* p, const char* PID, char** msg) {
   });
 }
 
+int pelicor_SftpSetConnectInfo(pelicor* p, const char* hostname, const char* username,
+                               const char* password, const char* udump, const char* identityFile,
+                               const char* knownHostsFile, unsigned short acceptNewHostKey,
+                               char** msg) {
+  return Invoke(p, msg, [&](facade::CPelicor& s, std::string* m) {
+    return s.SftpSetConnectInfo(hostname, username, password, udump, identityFile, knownHostsFile,
+                                acceptNewHostKey, m);
+  });
+}
+
+int pelicor_SftpGetTraceFileList(pelicor* p, unsigned short listStyle, char** msg) {
+  return Invoke(p, msg, [&](facade::CPelicor& s, std::string* m) {
+    return s.SftpGetTraceFileList(listStyle, m);
+  });
+}
+
+int pelicor_SftpGetTraceFile(pelicor* p, const char* fileName, char** msg) {
+  return Invoke(
+      p, msg, [&](facade::CPelicor& s, std::string* m) { return s.SftpGetTraceFile(fileName, m); });
+}
+
+int pelicor_SftpGetTraceFilePID(pelicor* p, const char* PID, unsigned short contents, char** fname,
+                                char** msg) {
+  return InvokeWithOutput(p, fname, msg, [&](facade::CPelicor& s, std::string* o, std::string* m) {
+    return s.SftpGetTraceFilePID(PID, contents, o, m);
+  });
+}
+
+int pelicor_SftpParseFile(pelicor* p, const char* fileName, unsigned short parseOption,
+                          unsigned short isAggregated, unsigned short xmlType, char** outputXML,
+                          char** msg) {
+  return InvokeWithOutput(
+      p, outputXML, msg, [&](facade::CPelicor& s, std::string* o, std::string* m) {
+        return s.SftpParseFile(fileName, parseOption, isAggregated, xmlType, o, m);
+      });
+}
+
 }  // extern "C"

@@ -88,6 +88,11 @@ int main(int argc, char** argv) {
   EXPECT(pelicor_ZantivFtpTrcStartUp(p, "h", NULL, "p", "/d", "1", &out, &msg), 1,
          "Hostname/username/password/udump can not be empty! Check registry setting.", "");
   EXPECT(pelicor_ParseFile(p, NULL, 0, 0, 0, &out, &msg), 1, no_trc, "");
+  /* SFTP, beyond the 25 methods: nothing is contacted without a host. */
+  EXPECT(pelicor_SftpSetConnectInfo(p, NULL, "oracle", NULL, "/u01", NULL, NULL, 0, &msg), 0, "OK",
+         NULL);
+  EXPECT(pelicor_SftpGetTraceFilePID(p, "4242", 0, &out, &msg), 1,
+         "SFTP needs a host, a user and a trace directory; one of them is empty!", "");
   /* No object: every output still set. */
   EXPECT(pelicor_SetWorkingDir(NULL, dir, &msg), 1, null_object, NULL);
   EXPECT(pelicor_NfsGetTraceFilePID(NULL, "4242", 0, &out, &msg), 1, null_object, "");
