@@ -1,6 +1,7 @@
 // The SFTP methods in a build without libssh (the Windows build): each says so.
 #include "facade/method_rules.h"
 #include "facade/pelicor.h"
+#include "support/exceptions.h"
 
 namespace facade {
 
@@ -8,6 +9,10 @@ namespace {
 
 constexpr const char* kSftpUnavailable =
     "SFTP is not available in this build (it was built without libssh)";
+
+[[noreturn]] void ThrowUnavailable(const char* method, const char* message) {
+  throw exceptions::ExceptionBase("Pelicor", "CPelicor", method, message);
+}
 
 }  // namespace
 

@@ -215,7 +215,7 @@ TEST_F(FtpFlowsTest, TransferCutOffWithoutItsFinalReplyFails) {
   ASSERT_EQ(service.FtpSetConnectInfo(Servers().Address("cut_off").c_str(), "scott", "tiger",
                                       "udump", &msg_),
             0);
-  ASSERT_EQ(service.SetWorkingDir(work().c_str(), &msg_), 0);
+  ASSERT_EQ(service.SetWorkingDir(work().string().c_str(), &msg_), 0);
   EXPECT_EQ(service.FtpParseFile("ora_1.trc", 0, 0, 0, &out_, &msg_), 1);
   EXPECT_EQ(msg_, "FTP failed to close Data connection");
   EXPECT_EQ(service.FtpParseFileEx("ora_1.trc", 0, 0, &out_, &msg_), 1);
