@@ -168,7 +168,7 @@ TEST(TraceForm, CursorNumbersTakeASign) {
     EXPECT_EQ(statement.fetch_calls.size(), test.fetches);
     EXPECT_EQ(statement.header.len, 8);  // the scan went on behind the cursor
     std::ostringstream document;
-    parser::OutputSink sink(document, parser::LineEnds::kNative);
+    parser::OutputSink sink(document, parser::LineEnds::kAsWritten);
     parser::WriteCallXml(trace->ClosedStatements(), trace->MakeDocumentContext(), sink);
     ASSERT_TRUE(sink.Close());
     const std::string printed = test.printed;

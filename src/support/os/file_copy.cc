@@ -7,6 +7,9 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include <filesystem>
+#include <system_error>
 #else
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -28,6 +31,12 @@ bool Fail(std::string* error, std::string text) {
 #ifdef _WIN32
 
 bool CopyFileOverwrite(const std::string& source, const std::string& target, std::string* error) {
+  // Copying a file onto itself fails, as CopyFileA itself answers it (the source is open).
+  std::error_code same_error;
+  if (std::filesystem::equivalent(source, target, same_error)) {
+    SetLastError(ERROR_SHARING_VIOLATION);
+    return Fail(error, LastErrorText());
+  }
   PendingFile to;  // the copy takes the target's name only when complete
   std::string reason;
   if (!to.Create(target, &reason)) return Fail(error, std::move(reason));

@@ -221,7 +221,15 @@ bool IsCancelled(int error) {
 }
 
 SocketHandle OpenStreamSocket(bool v6) {
-  return FromNative(socket(v6 ? AF_INET6 : AF_INET, SOCK_STREAM, IPPROTO_TCP));
+  const SOCKET native = socket(v6 ? AF_INET6 : AF_INET, SOCK_STREAM, IPPROTO_TCP);
+  if (v6 && native != INVALID_SOCKET) {
+    // Windows makes IPv6 sockets v6-only, so "[::ffff:127.0.0.1]" (an IPv4 server reached
+    // through an IPv4-mapped address, as Linux allows) would not connect.
+    DWORD v6_only = 0;
+    setsockopt(native, IPPROTO_IPV6, IPV6_V6ONLY, reinterpret_cast<const char*>(&v6_only),
+               sizeof v6_only);
+  }
+  return FromNative(native);
 }
 
 bool CloseSocket(SocketHandle socket) {
