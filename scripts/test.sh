@@ -8,5 +8,5 @@ jobs=$(nproc)
 cmake --preset dev >/dev/null
 cmake --build --preset dev -j "$jobs"
 # The fuzz targets first, so that the test runner's summary is the last thing printed.
-scripts/fuzz.sh "${PELICOR_FUZZ_SECONDS:-30}"
+scripts/fuzz.sh "${PELICOR_FUZZ_SECONDS:-20}"
 ctest --preset dev -j "$jobs"

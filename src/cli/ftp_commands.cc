@@ -14,6 +14,8 @@
 #include "cli/progress.h"
 #include "cli/scratch_dir.h"
 #include "cli/trace_jobs.h"
+#include "support/exceptions.h"
+#include "support/os/pending_file.h"
 #include "transport/ftp_manager/ftp_manager.h"
 
 namespace cli {
@@ -145,22 +147,33 @@ void AddFind(CLI::App& ftp) {
   });
 }
 
-// Copies the bytes as they are (binary), straight from the data connection.
+// Copies the bytes as they are (binary), straight from the data connection, into a temporary
+// file beside the target that takes the target's name only once the server has confirmed the
+// transfer: a failed one leaves nothing (and never removes what was there before).
 void RunGet(const FileArgs& args) {
   auto manager = Connect(args.connection, args.directory);
   const std::string target =
       (std::filesystem::path(args.directory) / std::filesystem::path(args.name).filename())
           .string();
+  os::PendingFile local;
+  std::string error;
+  if (!local.Create(target, &error))
+    throw std::runtime_error("cannot create " + target + ": " + error);
+  os::CloseFile(local.ReleaseHandle());  // the transfer writes it by name
   manager->OpenDataStream(args.name, 0);
   ProgressMeter progress("fetching " + args.name, manager->GetFileSize(args.name));
   try {
-    manager->SaveDataStream(target, [&progress](std::uint64_t done) { progress.Update(done); });
-  } catch (...) {
-    std::error_code ignored;
-    std::filesystem::remove(target, ignored);  // no half a trace left behind
-    throw;
+    manager->SaveDataStream(local.path(),
+                            [&progress](std::uint64_t done) { progress.Update(done); });
+  } catch (const exceptions::ExceptionBase& failure) {
+    // The user knows the file by the name asked for, not by the temporary one.
+    std::string message = failure.Message();
+    const std::size_t at = message.find(local.path());
+    if (at != std::string::npos) message.replace(at, local.path().size(), target);
+    throw std::runtime_error(message);
   }
   manager->CloseDataStream();
+  if (!local.Commit(&error)) throw std::runtime_error("cannot write " + target + ": " + error);
   manager->Close();
 }
 

@@ -2,8 +2,10 @@
 // dump directory or an FTP server.
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -12,6 +14,7 @@
 #include "cli/share_commands.h"
 #include "support/activity_log.h"
 #include "support/exceptions.h"
+#include "support/os/termination.h"
 
 namespace {
 
@@ -35,6 +38,26 @@ void AddActivityLogOption(CLI::App& app) {
       ->trigger_on_parse();
 }
 
+// "pelicor share get": the subcommands the user chose.
+std::string CommandName(const CLI::App& app) {
+  std::string name = "pelicor";
+  const CLI::App* at = &app;
+  while (!at->get_subcommands().empty()) {
+    at = at->get_subcommands().front();
+    name += " " + at->get_name();
+  }
+  return name;
+}
+
+int OutOfMemory(const CLI::App& app) {
+  try {
+    return Fail("out of memory while running " + CommandName(app));
+  } catch (const std::bad_alloc&) {
+    std::fputs("pelicor: out of memory\n", stderr);
+    return 1;
+  }
+}
+
 // Ends the log's document however the command ends.
 struct ActivityLogCloser {
   ~ActivityLogCloser() { support::ActivityLog::Disable(); }
@@ -43,6 +66,9 @@ struct ActivityLogCloser {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // First, before any thread starts: an interrupted command removes its scratch folder and
+  // half-written files.
+  const os::TerminationCleanup cleanup;
   CLI::App app("Oracle SQL trace files to TKPROF-style reports and XML documents", "pelicor");
   app.set_version_flag("--version", kVersion);
   app.require_subcommand(1);
@@ -57,6 +83,8 @@ int main(int argc, char** argv) {
     return app.exit(e);
   } catch (const exceptions::ExceptionBase& e) {
     return Fail(e.Message());
+  } catch (const std::bad_alloc&) {
+    return OutOfMemory(app);
   } catch (const std::exception& e) {
     return Fail(e.what());
   }

@@ -48,9 +48,8 @@ void RunList(const ShareListArgs& args) {
 void RunFind(const ShareFileArgs& args) {
   transport::CNfsManager share;
   share.SetConnectInfo(args.udump.c_str());
-  std::string name;
-  const std::uint32_t size = share.GetTraceFileNameFromPID(args.name, &name);
-  std::cout << name << ' ' << size << '\n';
+  const transport::CNfsManager::FoundTraceFile found = share.FindTraceFileOfPID(args.name);
+  std::cout << found.name << ' ' << found.size << '\n';
 }
 
 void RunGet(const ShareFileArgs& args) {

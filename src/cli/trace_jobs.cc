@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
@@ -15,6 +16,8 @@
 #include "parser/output_sink.h"
 #include "parser/trace_parser.h"
 #include "parser/xml_paths.h"
+#include "support/exceptions.h"
+#include "support/os/pending_file.h"
 
 namespace cli {
 
@@ -85,13 +88,16 @@ void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) 
   if (output.empty()) {
     parser::OutputSink sink(std::cout, parser::LineEnds::kNative);
     parser::WriteCallXml(parser.ClosedStatements(), context, sink);
-    if (!sink.Close()) throw std::runtime_error("cannot write to standard output");
+    sink.Close();
+    FinishStandardOutput();
     return;
   }
   parser::OutputSink sink;
-  if (!sink.OpenFile(output)) throw std::runtime_error("cannot create " + output);
+  if (!sink.OpenFile(output)) {
+    throw std::runtime_error("cannot create " + output + ": " + sink.ErrorText());
+  }
   parser::WriteCallXml(parser.ClosedStatements(), context, sink);
-  if (!sink.Close()) throw std::runtime_error("cannot write " + output);
+  if (!sink.Close()) throw std::runtime_error("cannot write " + output + ": " + sink.ErrorText());
 }
 
 // The aggregated writers put their document next to the trace name they are given: give them
@@ -142,36 +148,65 @@ void AddXmlOptions(CLI::App& command, XmlJob& job) {
 
 namespace {
 
-void Report(const ParseInput& parse, const ReportJob& job) {
+// Turns running out of memory into a message that says while doing what.
+template <typename Step>
+void Doing(const std::string& what, Step&& step) {
+  try {
+    step();
+  } catch (const std::bad_alloc&) {
+    throw std::runtime_error("out of memory while " + what);
+  }
+}
+
+void Report(const std::string& trace, const ParseInput& parse, const ReportJob& job) {
   ParseSetup setup(job.sort, job.parse);
-  parse(setup.parser, 0);
-  setup.parser.SortClosedStatements();
-  setup.parser.WriteTextReport(std::cout);
-  std::cout.flush();
+  Doing("parsing " + trace, [&] { parse(setup.parser, 0); });
+  Doing("writing the report of " + trace, [&] {
+    setup.parser.SortClosedStatements();
+    setup.parser.WriteTextReport(std::cout);
+  });
+  FinishStandardOutput();
 }
 
 // `trace` names the trace: the aggregated documents are named after it.
 void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
   ParseSetup setup(job.sort, job.parse);
   if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
-  parse(setup.parser, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0);
-  setup.parser.SortClosedStatements();
-  switch (job.Kind()) {
-    case XmlKind::kCalls:
-      WriteCallDocument(setup.parser, job.output);
-      break;
-    case XmlKind::kAggregate:
-      WriteAggregatedDocument(setup.parser, trace, false, job.output);
-      break;
-    case XmlKind::kStatement:
-      WriteAggregatedDocument(setup.parser, trace, true, job.output);
-      break;
+  Doing("parsing " + trace,
+        [&] { parse(setup.parser, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0); });
+  Doing("writing the document of " + trace, [&] {
+    setup.parser.SortClosedStatements();
+    switch (job.Kind()) {
+      case XmlKind::kCalls:
+        WriteCallDocument(setup.parser, job.output);
+        break;
+      case XmlKind::kAggregate:
+        WriteAggregatedDocument(setup.parser, trace, false, job.output);
+        break;
+      case XmlKind::kStatement:
+        WriteAggregatedDocument(setup.parser, trace, true, job.output);
+        break;
+    }
+  });
+}
+
+// The parser's "Trace parser failed to open parse file!" names neither the file nor the
+// reason; the command adds both ("... x.trc: not a regular file").
+void ExplainOpenFailure(const std::string& trace, const std::function<void()>& parse) {
+  try {
+    parse();
+  } catch (const exceptions::ExceptionBase& failure) {
+    const std::string message = failure.Message();
+    if (message.rfind("Trace parser failed to open parse file", 0) != 0) throw;
+    std::string reason = os::RegularFileProblem(trace);
+    if (reason.empty()) reason = "cannot be read";
+    throw std::runtime_error(message + " " + trace + ": " + reason);
   }
 }
 
 ParseInput FileInput(const std::string& trace, std::uint64_t offset) {
   return [&trace, offset](parser::CTraceParser& parser, std::uint8_t flags) {
-    ParseFile(parser, trace, offset, flags);
+    ExplainOpenFailure(trace, [&] { ParseFile(parser, trace, offset, flags); });
   };
 }
 
@@ -184,11 +219,11 @@ ParseInput StreamInput(const TraceStream& trace, std::uint64_t offset) {
 }  // namespace
 
 void RunReport(const std::string& trace, const ReportJob& job) {
-  Report(FileInput(trace, job.parse.offset), job);
+  Report(trace, FileInput(trace, job.parse.offset), job);
 }
 
 void RunReport(const TraceStream& trace, const ReportJob& job) {
-  Report(StreamInput(trace, job.parse.offset), job);
+  Report(trace.name, StreamInput(trace, job.parse.offset), job);
 }
 
 void RunXml(const std::string& trace, const XmlJob& job) {

@@ -92,7 +92,7 @@ void WriteSplitOp(OutputSink& out, const StatRecord& stat) {
   out.Write("\" w=\"");
   out.WriteInt(timing.w);
   out.Write("\" time=\"");
-  out.Write(timing.time);
+  out.WriteXmlEscaped(timing.time);  // the rest of the op text: any byte may stand there
 }
 
 void WriteStatRow(OutputSink& out, const StatRecord& stat, AggregatedStyle style) {

@@ -1,6 +1,7 @@
 #include "parser/aggregated_xml_writer.h"
 
 #include "parser/aggregated_statement.h"
+#include "parser/document_file.h"
 #include "parser/output_sink.h"
 #include "parser/xml_paths.h"
 #include "support/exceptions.h"
@@ -20,15 +21,17 @@ constexpr const char* kCannotCreate =
     "Trace parser could not create the output XML file specified!";
 
 // The start both documents share once their own checks have passed: the name test, the file,
-// the divisor. Returns the divisor the document divides by.
-std::int64_t OpenDocument(OutputSink& out, const DocumentContext& context,
-                          const std::string& file_name, const char* open_method,
-                          std::int64_t* time_divisor) {
+// the divisor. Returns the path of the document.
+std::string OpenDocument(OutputSink& out, const DocumentContext& context,
+                         const std::string& file_name, const char* open_method,
+                         std::int64_t* time_divisor) {
   if (!HasTraceExtension(file_name)) Fail("CreateSortedXML", kInvalidName);
-  if (!out.OpenFile(AggregatedXmlPath(file_name))) Fail(open_method, kCannotCreate);
-  const std::int64_t divisor = AggregatedTimeDivisor(context.oracle_major_version);
-  if (time_divisor != nullptr) *time_divisor = divisor;
-  return divisor;
+  std::string path = AggregatedXmlPath(file_name);
+  if (!out.OpenFile(path)) Fail(open_method, kCannotCreate);
+  if (time_divisor != nullptr) {
+    *time_divisor = AggregatedTimeDivisor(context.oracle_major_version);
+  }
+  return path;
 }
 
 }  // namespace
@@ -37,18 +40,35 @@ std::int64_t AggregatedTimeDivisor(int oracle_major_version) {
   return oracle_major_version < 9 ? 100 : 1000000;
 }
 
-void WriteTkprofXml(StatementList& closed, const DocumentContext& context, std::string file_name,
-                    std::int64_t* time_divisor) {
-  if (closed.empty()) Fail("CreateSortedXML", "Trace parser did not find the parsed trace info!");
-  OutputSink out;
-  const std::int64_t divisor =
-      OpenDocument(out, context, file_name, "CreateTkprofXML", time_divisor);
+void WriteTkprofXml(StatementList& closed, const DocumentContext& context, OutputSink& out) {
+  const std::int64_t divisor = AggregatedTimeDivisor(context.oracle_major_version);
   out.Write("<STATEMENTS>\n");
   for (const auto& statement : closed) {
     WriteAggregatedStatement(out, *statement, AggregatedStyle::kTkprof, divisor);
   }
   out.Write("</STATEMENTS>\n");
-  out.Close();
+}
+
+int WriteSortedXml(StatementList& closed, const DocumentContext& context, OutputSink& out) {
+  const std::int64_t divisor = AggregatedTimeDivisor(context.oracle_major_version);
+  out.Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><STATEMENTS>\n");
+  int matches = 0;
+  for (const auto& statement : closed) {
+    if (statement->SqlText().find(context.statement_id) == std::string::npos) continue;
+    ++matches;
+    WriteAggregatedStatement(out, *statement, AggregatedStyle::kSorted, divisor);
+  }
+  out.Write("</STATEMENTS>\n");
+  return matches;
+}
+
+void WriteTkprofXml(StatementList& closed, const DocumentContext& context, std::string file_name,
+                    std::int64_t* time_divisor) {
+  if (closed.empty()) Fail("CreateSortedXML", "Trace parser did not find the parsed trace info!");
+  OutputSink out;
+  const std::string path = OpenDocument(out, context, file_name, "CreateTkprofXML", time_divisor);
+  WriteTkprofXml(closed, context, out);
+  FinishDocument(out, path, "CreateTkprofXML");
 }
 
 void WriteSortedXml(StatementList& closed, const DocumentContext& context, std::string file_name,
@@ -64,16 +84,10 @@ void WriteSortedXml(StatementList& closed, const DocumentContext& context, std::
          "file has reached max_dump_file_size.");
   }
   OutputSink out;
-  const std::int64_t divisor = OpenDocument(out, context, file_name, "CreateXML", time_divisor);
-  out.Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><STATEMENTS>\n");
-  int matches = 0;
-  for (const auto& statement : closed) {
-    if (statement->SqlText().find(context.statement_id) == std::string::npos) continue;
-    ++matches;
-    WriteAggregatedStatement(out, *statement, AggregatedStyle::kSorted, divisor);
-  }
-  out.Write("</STATEMENTS>\n");
-  out.Close();
+  const std::string path = OpenDocument(out, context, file_name, "CreateXML", time_divisor);
+  const int matches = WriteSortedXml(closed, context, out);
+  // The match failures below leave the complete document in place.
+  FinishDocument(out, path, "CreateXML");
   if (matches == 0) {
     Fail("CreateXML",
          "Trace parser did not find a SQL with the statement id! Please check if the trace file "

@@ -17,6 +17,7 @@
 #include <string>
 
 #include "parser/document_context.h"
+#include "parser/output_sink.h"
 #include "parser/trace_statement.h"
 
 namespace parser {
@@ -25,9 +26,10 @@ namespace parser {
 // 1000000 from 9 on.
 std::int64_t AggregatedTimeDivisor(int oracle_major_version);
 
-// Every statement of `closed`, to AggregatedXmlPath(file_name). Throws
-// exceptions::ExceptionBase when `closed` is empty, when the name holds neither ".trc" nor
-// ".TRC", or when the file cannot be created (nothing is written then). Once the file is open,
+// Every statement of `closed`, to AggregatedXmlPath(file_name), which takes its name only when
+// complete. Throws exceptions::ExceptionBase when `closed` is empty, when the name holds neither
+// ".trc" nor ".TRC", or when the file cannot be created (nothing is written then), and with a
+// message naming the file when a write fails (the previous file stays). Once the file is open,
 // *time_divisor (the parser's divisor; may be null) is set to
 // AggregatedTimeDivisor(context.oracle_major_version).
 void WriteTkprofXml(StatementList& closed, const DocumentContext& context, std::string file_name,
@@ -39,6 +41,11 @@ void WriteTkprofXml(StatementList& closed, const DocumentContext& context, std::
 // no statement or more than one matched (the file stays).
 void WriteSortedXml(StatementList& closed, const DocumentContext& context, std::string file_name,
                     std::int64_t* time_divisor = nullptr);
+
+// The documents themselves, into `out`, without the checks of the forms above; the sorted one
+// answers how many statements matched.
+void WriteTkprofXml(StatementList& closed, const DocumentContext& context, OutputSink& out);
+int WriteSortedXml(StatementList& closed, const DocumentContext& context, OutputSink& out);
 
 }  // namespace parser
 

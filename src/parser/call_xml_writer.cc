@@ -1,5 +1,6 @@
 #include "parser/call_xml_writer.h"
 
+#include "parser/document_file.h"
 #include "parser/xml_paths.h"
 #include "support/exceptions.h"
 
@@ -228,7 +229,9 @@ void WriteStatDataStart(OutputSink& out, const StatRecord& stat) {
 
 void WriteCallXml(const StatementList& closed, const DocumentContext& context, OutputSink& out) {
   out.Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><STATEMENTS tim=\"");
-  out.Write(context.session_timestamp);
+  // As the trace line had it, line end included; escaped, so that no byte of it can end the
+  // attribute (a clean timestamp is written unchanged).
+  out.WriteXmlEscaped(context.session_timestamp);
   out.Write("\" FirstParseInCursorTim=\"");
   out.WriteInt(context.first_cursor_time);
   out.Write("\">\n");
@@ -243,12 +246,13 @@ void WriteCallXml(const StatementList& closed, const DocumentContext& context, O
 void WriteCallXml(const StatementList& closed, const DocumentContext& context,
                   std::string file_name) {
   OutputSink out;
-  if (!out.OpenFile(CallXmlPath(file_name, context.output_directory))) {
+  const std::string path = CallXmlPath(file_name, context.output_directory);
+  if (!out.OpenFile(path)) {
     throw exceptions::ExceptionBase("TraceParser", "CTraceParser::CreateXML", "CreateXML",
                                     "Trace parser failed to create output XML file!");
   }
   WriteCallXml(closed, context, out);
-  out.Close();
+  FinishDocument(out, path, "CreateXML");
 }
 
 }  // namespace parser

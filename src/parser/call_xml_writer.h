@@ -23,8 +23,9 @@
 namespace parser {
 
 // Writes the document for `file_name` to CallXmlPath(file_name, context.output_directory),
-// replacing a file of that name. Throws exceptions::ExceptionBase ("Trace parser failed to
-// create output XML file!") when it cannot be created; write errors are ignored.
+// replacing a file of that name once it is complete. Throws exceptions::ExceptionBase ("Trace
+// parser failed to create output XML file!") when it cannot be created, and a message naming
+// the file when a write fails (the previous file then stays).
 void WriteCallXml(const StatementList& closed, const DocumentContext& context,
                   std::string file_name);
 

@@ -1,14 +1,11 @@
 #include "parser/output_sink.h"
 
 #include <ostream>
+#include <utility>
 
-#include "support/xml_escape.h"
+#include "support/xml_text.h"
 
 namespace parser {
-
-void OutputSink::FileCloser::operator()(std::FILE* file) const {
-  std::fclose(file);
-}
 
 OutputSink::OutputSink() : buffer_(new char[kCapacity]) {}
 
@@ -16,17 +13,26 @@ OutputSink::OutputSink(std::ostream& stream, LineEnds line_ends)
     : buffer_(new char[kCapacity]), stream_(&stream), line_ends_(line_ends) {}
 
 OutputSink::~OutputSink() {
-  Flush();
+  if (stream_ != nullptr) Flush();
 }
 
 bool OutputSink::OpenFile(const std::string& path, LineEnds line_ends) {
   Close();
-  // Binary mode: the line ends are translated here, the same way on every platform's build.
-  file_.reset(std::fopen(path.c_str(), "wb"));
+  used_ = 0;
   stream_ = nullptr;
   line_ends_ = line_ends;
   failed_ = false;
-  return file_ != nullptr;
+  error_.clear();
+  // Binary: the line ends are translated here, the same way on every platform's build.
+  if (file_.Create(path, &error_)) return true;
+  failed_ = true;
+  return false;
+}
+
+void OutputSink::Fail(std::string reason) {
+  if (failed_) return;
+  failed_ = true;
+  error_ = std::move(reason);
 }
 
 void OutputSink::Flush() {
@@ -43,11 +49,16 @@ void OutputSink::Flush() {
 
 bool OutputSink::Close() {
   Flush();
-  if (stream_ != nullptr && !stream_->good()) failed_ = true;
-  if (file_ != nullptr && std::fclose(file_.release()) != 0) failed_ = true;
-  const bool ok = !failed_;
-  failed_ = false;
-  return ok;
+  if (stream_ != nullptr && !stream_->good()) Fail("the stream refused the output");
+  if (file_.is_open()) {
+    std::string reason;
+    if (failed_) {
+      file_.Discard();  // never put a half document in place
+    } else if (!file_.Commit(&reason)) {
+      Fail(std::move(reason));
+    }
+  }
+  return !failed_;
 }
 
 void OutputSink::WriteLarge(std::string_view text) {
@@ -62,24 +73,29 @@ void OutputSink::WriteLarge(std::string_view text) {
 }
 
 void OutputSink::Deliver(std::string_view bytes) {
-  if (file_ != nullptr) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) failed_ = true;
+  if (file_.is_open()) {
+    std::string reason;
+    // After a failure the rest is dropped: the file will be discarded anyway.
+    if (!failed_ && !file_.Write(bytes.data(), bytes.size(), &reason)) Fail(std::move(reason));
   } else if (stream_ != nullptr) {
     stream_->write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   }
 }
 
+// Translated into one block first: the file is written without a C stream's buffer, and a
+// write per line would cost a system call each.
 void OutputSink::DeliverCrLf(std::string_view bytes) {
+  translated_.clear();
   for (std::size_t pos = 0; pos < bytes.size();) {
     const std::size_t lf = bytes.find('\n', pos);
     if (lf == std::string_view::npos) {
-      Deliver(bytes.substr(pos));
-      return;
+      translated_.append(bytes.substr(pos));
+      break;
     }
-    Deliver(bytes.substr(pos, lf - pos));
-    Deliver("\r\n");
+    translated_.append(bytes.substr(pos, lf - pos)).append("\r\n");
     pos = lf + 1;
   }
+  Deliver(translated_);
 }
 
 void OutputSink::WriteInt(std::int64_t value, std::size_t width) {
@@ -93,30 +109,14 @@ void OutputSink::WriteFixed2(double value, std::size_t width) {
 }
 
 void OutputSink::WriteXmlEscaped(std::string_view text) {
-  // Most texts (addresses, bind values, event names) have nothing to replace.
-  if (text.find_first_of("&<>\"") == std::string_view::npos) {
-    Write(text);
-    return;
-  }
-  escape_scratch_.clear();
-  support::AppendXmlEscaped(&escape_scratch_, text);
-  Write(escape_scratch_);
+  support::WriteXmlText(text, support::XmlPlace::kAttribute,
+                        [this](std::string_view piece) { Write(piece); });
 }
 
 void OutputSink::WriteCdata(std::string_view text) {
-  static constexpr std::string_view kEnd = "]]>";
   Write("<![CDATA[");
-  for (std::size_t pos = 0;;) {
-    const std::size_t end = text.find(kEnd, pos);
-    if (end == std::string_view::npos) {
-      Write(text.substr(pos));
-      break;
-    }
-    // "a]]>b" -> "<![CDATA[a]]]]><![CDATA[>b]]>"
-    Write(text.substr(pos, end + 2 - pos));
-    Write("]]><![CDATA[");
-    pos = end + 2;
-  }
+  support::WriteXmlText(text, support::XmlPlace::kCdata,
+                        [this](std::string_view piece) { Write(piece); });
   Write("]]>");
 }
 

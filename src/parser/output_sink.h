@@ -1,19 +1,22 @@
 // The one buffered writer that every document and report of the parser goes through. It collects
-// output in one large buffer and hands it on in big blocks, either to a file that it opens (and
+// output in one large buffer and hands it on in big blocks, either to a file that it creates (and
 // owns) or to a caller's std::ostream.
+//
+// A file is written under a temporary name beside its target and takes the target's name only
+// when Close() finds every byte written (os::PendingFile): a document that fails half-way, or
+// whose writer throws before Close(), leaves no half file and keeps the previous one.
 //
 // Line ends: the writers put "\n". A file is written the way a text-mode file is on its
 // platform: on Windows each "\n" leaves as "\r\n", elsewhere as it is. A caller's stream gets the
 // bytes unchanged (a text-mode stream such as std::cout does its own translation).
 //
-// Write errors are not reported while writing (the documents ignore them); Close() tells whether
-// everything reached its target.
+// Write errors are not reported while writing; Close() tells whether everything reached its
+// target, and ErrorText() why not.
 #ifndef PELICOR_PARSER_OUTPUT_SINK_H_
 #define PELICOR_PARSER_OUTPUT_SINK_H_
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <iosfwd>
 #include <memory>
@@ -21,6 +24,7 @@
 #include <string_view>
 
 #include "parser/number_format.h"
+#include "support/os/pending_file.h"
 
 namespace parser {
 
@@ -42,18 +46,22 @@ class OutputSink {
   explicit OutputSink(std::ostream& stream, LineEnds line_ends = LineEnds::kAsWritten);
   OutputSink(const OutputSink&) = delete;
   OutputSink& operator=(const OutputSink&) = delete;
-  // Flushes and closes the file, if one is open; errors are dropped here, call Close() to see them.
+  // Flushes to a stream; a file not closed yet is discarded (its target stays as it was).
   ~OutputSink();
 
-  // Creates `path`, replacing a file of that name; false when it cannot be created.
+  // Starts the file that will replace `path`; false when it cannot be created (see ErrorText()).
   bool OpenFile(const std::string& path, LineEnds line_ends = LineEnds::kNative);
   // Hands on what is buffered.
   void Flush();
-  // Flushes and closes an owned file; returns false when any write or the close failed.
+  // Flushes; an owned file is closed and put in place. Returns false when any write, the close
+  // or the rename failed (a file is then discarded).
   bool Close();
+  // The system's reason for the first failure ("No space left on device"); empty when none.
+  const std::string& ErrorText() const { return error_; }
 
   void Write(std::string_view text) {
     if (text.size() <= kCapacity - used_) {
+      if (text.empty()) return;  // an empty view may carry no pointer at all
       std::memcpy(buffer_.get() + used_, text.data(), text.size());
       used_ += text.size();
     } else {
@@ -73,10 +81,12 @@ class OutputSink {
   void WriteInt(std::int64_t value, std::size_t width);
   void WriteFixed2(double value, std::size_t width);
 
-  // `text` with '&', '<', '>' and '"' replaced by their entities, each '&' once.
+  // `text` with '&', '<', '>' and '"' replaced by their entities, each '&' once; bytes that are
+  // not UTF-8 and forbidden control characters made well-formed (support/xml_text.h).
   void WriteXmlEscaped(std::string_view text);
-  // `text` inside a CDATA section. A "]]>" in it would end the section early, so the section is
-  // closed after its "]]" and a new one opened for the ">": the text reads back unchanged.
+  // `text` inside a CDATA section, made well-formed the same way. A "]]>" in it would end the
+  // section early, so the section is closed after its "]]" and a new one opened for the ">": the
+  // text reads back unchanged.
   void WriteCdata(std::string_view text);
 
  private:
@@ -92,17 +102,16 @@ class OutputSink {
   void Deliver(std::string_view bytes);
   void DeliverCrLf(std::string_view bytes);
 
-  struct FileCloser {
-    void operator()(std::FILE* file) const;
-  };
+  void Fail(std::string reason);
 
   std::unique_ptr<char[]> buffer_;
   std::size_t used_ = 0;
-  std::string escape_scratch_;  // reused, so escaping allocates only while it grows
-  std::unique_ptr<std::FILE, FileCloser> file_;
+  std::string translated_;  // a block with "\r\n" line ends, reused
+  os::PendingFile file_;
   std::ostream* stream_ = nullptr;
   LineEnds line_ends_ = LineEnds::kAsWritten;
   bool failed_ = false;
+  std::string error_;
 };
 
 }  // namespace parser

@@ -178,12 +178,13 @@ PlanCodes SplitOpText(std::string_view op) {
 }
 
 std::string_view OperationName(int code) {
-  if (code < 0 || static_cast<std::size_t>(code) >= kOperations.size()) return {};
+  // "", not {}: writers copy the name, and a view without a pointer must not reach memcpy.
+  if (code < 0 || static_cast<std::size_t>(code) >= kOperations.size()) return "";
   return kOperations[static_cast<std::size_t>(code)].name;
 }
 
 std::string_view OptionName(int code) {
-  if (code < 0 || static_cast<std::size_t>(code) >= kOptions.size()) return {};
+  if (code < 0 || static_cast<std::size_t>(code) >= kOptions.size()) return "";
   return kOptions[static_cast<std::size_t>(code)].name;
 }
 

@@ -1,10 +1,11 @@
 #include "parser/trace_file_reader.h"
 
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <utility>
+
+#include "support/os/pending_file.h"
 
 namespace parser {
 
@@ -12,8 +13,8 @@ TraceFileReader::TraceFileReader(std::unique_ptr<std::istream> in, std::size_t b
     : in_(std::move(in)), block_(block_size < 2 * kLookahead ? 2 * kLookahead : block_size) {}
 
 std::unique_ptr<TraceFileReader> TraceFileReader::Open(const std::string& path) {
-  std::error_code error;
-  if (std::filesystem::is_directory(path, error)) return nullptr;
+  // A FIFO or a device would block the parse, or never end: only regular files are read.
+  if (!os::RegularFileProblem(path).empty()) return nullptr;
   auto file = std::make_unique<std::ifstream>(path, std::ios::in | std::ios::binary);
   if (!file->is_open()) return nullptr;
   return std::make_unique<TraceFileReader>(std::move(file));

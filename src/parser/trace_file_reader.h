@@ -31,7 +31,8 @@ class TraceFileReader {
   explicit TraceFileReader(std::unique_ptr<std::istream> in,
                            std::size_t block_size = kDefaultBlockSize);
 
-  // Opens `path` for reading; nothing when it cannot be opened or is a directory.
+  // Opens `path` for reading; nothing when it cannot be opened or is not a regular file (a
+  // directory, a FIFO, a device).
   static std::unique_ptr<TraceFileReader> Open(const std::string& path);
 
   // Moves to byte `offset` from the start of the file; false when the stream refuses.

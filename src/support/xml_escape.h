@@ -1,6 +1,7 @@
 // XML attribute escaping as every document of Pelicor writes it: '&', '<', '>' and '"' become
 // "&amp;", "&lt;", "&gt;" and "&quot;"; the apostrophe is left alone (our attributes are always
-// double-quoted). Each '&' of the input is replaced once.
+// double-quoted). Each '&' of the input is replaced once. Bytes that are not UTF-8 and control
+// characters are made well-formed as support/xml_text.h says.
 #ifndef PELICOR_SUPPORT_XML_ESCAPE_H_
 #define PELICOR_SUPPORT_XML_ESCAPE_H_
 

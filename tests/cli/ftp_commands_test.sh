@@ -64,4 +64,34 @@ check "a missing trace directory" \
 "$pelicor" ftp list --help | grep -q -- '--password TEXT.*discouraged'
 check "help discourages --password" "0" "$?"
 
+# Downloads take their name only when complete: a failed one leaves nothing and removes
+# nothing that was there, a complete one replaces a link rather than writing through it.
+fault() {  # fault SCENARIO: the connection options for the fault server's scenario
+  echo --host "127.0.0.1:$(awk -v s="$1" '$1 == s {print $2}' "$state/fault.ports")" \
+    --user u --udump udump --password p
+}
+mkdir "$work/keep" "$work/keep/empty.trc"
+printf 'older\n' >"$work/keep/older.trc"
+"$pelicor" ftp get empty.trc $(fault data_drop) -o "$work/keep" >/dev/null 2>&1
+check "get onto a directory fails and keeps it" "1 yes" "$? $([ -d "$work/keep/empty.trc" ] && echo yes)"
+"$pelicor" ftp get older.trc $(fault data_drop) -o "$work/keep" >/dev/null 2>&1
+check "a dropped transfer keeps the older copy" "1 older" "$? $(cat "$work/keep/older.trc")"
+check "and leaves no part file" "empty.trc older.trc" "$(ls "$work/keep" | tr '\n' ' ' | sed 's/ $//')"
+printf 'victim\n' >"$work/victim"
+ln -s ../victim "$work/keep/repeated_9i.trc"
+"$pelicor" ftp get repeated_9i.trc $(at traces) -o "$work/keep"
+cmp -s "$served/traces/repeated_9i.trc" "$work/keep/repeated_9i.trc"
+check "get replaces a link, not its target" "0 victim" "$? $(cat "$work/victim")"
+
+# Interrupted while waiting for a silent server: the scratch folder goes with the process.
+mkdir "$work/tmp"
+TMPDIR=$work/tmp "$pelicor" ftp xml x.trc $(fault silent) >/dev/null 2>&1 &
+pid=$!
+for _ in $(seq 100); do [ -n "$(ls "$work/tmp")" ] && break; sleep 0.05; done
+scratch=$(ls "$work/tmp")
+kill -TERM "$pid"
+wait "$pid"
+check "SIGTERM ends the command and removes its scratch folder" "143 pelicor- " \
+  "$? ${scratch%%[0-9]*} $(ls "$work/tmp")"
+
 finish

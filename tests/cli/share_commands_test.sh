@@ -66,4 +66,48 @@ check "report from an offset" \
 "$pelicor" share list --help | grep -q -- '--pattern'
 check "help names the options" "0" "$?"
 
+# Entries that are not regular files: passed over by find, refused by get and xml, never waited
+# on. A 5 GiB sparse file shows its full size in find; the listing keeps its low 32 bits.
+hostile=$work/hostile
+mkdir "$hostile" "$hostile/dir_5555.trc"
+mkfifo "$hostile/fifo_5555.trc"
+ln -s nowhere "$hostile/gone_5555.trc"
+truncate -s 5G "$hostile/orcl_ora_5555.trc"
+check "find passes over what is not a file" "orcl_ora_5555.trc 5368709120" \
+  "$("$pelicor" share find "$hostile" 5555 2>&1)"
+check "the listing keeps the low 32 bits" "1073741824" \
+  "$("$pelicor" share list --long "$hostile" -p 'orcl*' | awk '{print $1}')"
+check "get of a FIFO" "pelicor: cannot copy $hostile/fifo_5555.trc to $work/out/fifo_5555.trc: not a regular file" \
+  "$(timeout 10 "$pelicor" share get "$hostile" fifo_5555.trc -o "$work/out" 2>&1)"
+check "get of a directory" "pelicor: cannot copy $hostile/dir_5555.trc to $work/out/dir_5555.trc: Is a directory" \
+  "$("$pelicor" share get "$hostile" dir_5555.trc -o "$work/out" 2>&1)"
+check "xml of a FIFO names it" \
+  "pelicor: Trace parser failed to open parse file! $hostile/fifo_5555.trc: not a regular file" \
+  "$(timeout 10 "$pelicor" share xml "$hostile" fifo_5555.trc 2>&1)"
+check "xml of a missing file says why" \
+  "pelicor: Trace parser failed to open parse file! missing.trc: No such file or directory" \
+  "$("$pelicor" xml missing.trc 2>&1)"
+check "and left nothing behind" "orcl_ora_1234.trc" "$(ls "$work/out")"
+
+# A full disk: standard output on /dev/full, files past the file-size limit. Each fails with
+# the reason, and a file written before stays as it was, with no part file beside it.
+for kind in report xml "xml --aggregate"; do
+  check "$kind to a full standard output" \
+    "pelicor: cannot write to standard output: No space left on device 1" \
+    "$("$pelicor" $kind "$udump/sample_9i.trc" 2>&1 >/dev/full) $?"
+done
+full() {  # full COMMAND...: runs the command where no file may grow past 1 KiB
+  (trap '' XFSZ; ulimit -f 1; exec "$@")
+}
+mkdir "$work/full"
+printf 'previous\n' >"$work/full/doc.xml"
+printf 'previous\n' >"$work/full/sample_9i.trc"
+check "xml -o on a full disk" "pelicor: cannot write $work/full/doc.xml: File too large 1" \
+  "$(full "$pelicor" xml "$udump/sample_9i.trc" -o "$work/full/doc.xml" 2>&1) $?"
+check "get on a full disk" \
+  "pelicor: cannot copy $udump/sample_9i.trc to $work/full/sample_9i.trc: File too large 1" \
+  "$(full "$pelicor" share get "$udump" sample_9i.trc -o "$work/full" 2>&1) $?"
+check "keep what was there" "previous previous doc.xml sample_9i.trc" \
+  "$(cat "$work/full/doc.xml" "$work/full/sample_9i.trc" | tr '\n' ' ')$(ls "$work/full" | tr '\n' ' ' | sed 's/ $//')"
+
 finish

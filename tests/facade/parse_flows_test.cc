@@ -1,5 +1,7 @@
 // What the parse methods answer before they read a line, and the sort options of the
 // aggregated document.
+#include <sys/stat.h>
+
 #include <functional>
 #include <string>
 
@@ -11,7 +13,8 @@ namespace {
 class ParseFileTest : public FacadeTest {};
 
 // A name without ".trc" fails every parse method before anything is read or written; a later
-// failure leaves the XML name in place. No FTP settings are stored here.
+// failure leaves the XML name in place. A FIFO is no trace: refused at once, not waited on. No
+// FTP settings are stored here.
 TEST_F(ParseFileTest, FailuresBeforeAndAfterTheXmlName) {
   using Call = std::function<int(facade::CPelicor&, const char*, std::string*)>;
   const Call parse = [&](auto& s, auto n, auto o) { return s.ParseFile(n, 0, 0, 2, o, &msg_); };
@@ -41,11 +44,17 @@ TEST_F(ParseFileTest, FailuresBeforeAndAfterTheXmlName) {
       {nfs, "gone.trc", "gone.xml", no_file},
       {parse_ex, "gone.trc", "gone.xml", no_batch_file},
       {nfs_ex, "gone.trc", "gone.xml", no_batch_file},
+      {parse, "fifo.trc", "fifo.xml", no_file},
+      {nfs, "fifo.trc", "fifo.xml", no_file},
+      {parse_ex, "fifo.trc", "fifo.xml", no_batch_file},
+      {nfs_ex, "fifo.trc", "fifo.xml", no_batch_file},
       {ftp, kTrace, kXml, no_ftp},
       {ftp_ex, kTrace, kXml, no_ftp},
   };
   AddTrace(root(), "trace.log");
   AddTrace(udump(), "trace.log");
+  ASSERT_EQ(mkfifo((root() / "fifo.trc").c_str(), 0600), 0);
+  ASSERT_EQ(mkfifo((udump() / "fifo.trc").c_str(), 0600), 0);
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.name) + " " + row.message);
     facade::CPelicor fresh;
@@ -56,6 +65,8 @@ TEST_F(ParseFileTest, FailuresBeforeAndAfterTheXmlName) {
     EXPECT_EQ(msg_, row.message);
     EXPECT_EQ(out, row.out);
   }
+  // The copy of the share fails silently, as it always has, and leaves nothing.
+  EXPECT_EQ(service_.NfsGetTraceFile("fifo.trc", &msg_), 0);
   EXPECT_TRUE(fs::is_empty(work()));
   EXPECT_FALSE(fs::exists(root() / "trace.xml"));
 }

@@ -200,6 +200,10 @@ TEST_F(FtpFlowsTest, FailuresNameWhatWentWrongAndReleaseTheSession) {
     EXPECT_TRUE(FtpIsFree());
   }
   EXPECT_FALSE(fs::exists(work() / kXml));
+  // The failed copies left no part of the trace, under its name or a temporary one.
+  for (const auto& entry : fs::directory_iterator(work())) {
+    EXPECT_EQ(entry.path().extension(), ".txt") << entry.path();
+  }
 }
 
 }  // namespace

@@ -201,7 +201,9 @@ TEST(AggregatedXmlWriter, FailuresCarryTheirMethodAndMessage) {
     if (!f.empty_list) closed = writer_test::SampleStatements();
     DocumentContext context;
     context.statement_id = f.statement_id;
-    const auto write = f.sorted ? parser::WriteSortedXml : parser::WriteTkprofXml;
+    using FileWriter = void (*)(StatementList&, const DocumentContext&, std::string, std::int64_t*);
+    const auto write = f.sorted ? static_cast<FileWriter>(parser::WriteSortedXml)
+                                : static_cast<FileWriter>(parser::WriteTkprofXml);
     EXPECT_EQ(Raised([&] { write(closed, context, dir.File(f.file_name), nullptr); }),
               "TraceParser|CTraceParser::CreateXML|" + std::string(f.method) + "|" + f.message);
     // The match failures come after the whole document has been written.

@@ -38,6 +38,7 @@ DirEntry ToEntry(const WIN32_FIND_DATAA& data) {
   entry.name = data.cFileName;
   entry.size = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
   entry.last_write = ToLocalTime(data.ftLastWriteTime);
+  entry.regular = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
   return entry;
 }
 
@@ -116,8 +117,9 @@ DirEntry Describe(int dir_fd, const char* name) {
   DirEntry entry;
   entry.name = name;
   struct stat info {};
-  if (fstatat(dir_fd, name, &info, 0) != 0 &&
-      fstatat(dir_fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
+  if (fstatat(dir_fd, name, &info, 0) == 0) {
+    entry.regular = S_ISREG(info.st_mode);
+  } else if (fstatat(dir_fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
     return entry;
   }
   entry.size = S_ISDIR(info.st_mode) ? 0 : static_cast<std::uint64_t>(info.st_size);

@@ -24,6 +24,9 @@ struct DirEntry {
   std::string name;        // bare name, no directory
   std::uint64_t size = 0;  // full size in bytes; 0 for a directory, as Windows reports it
   LocalTime last_write;    // modification time converted to local time
+  // A regular file (following a link): false for a directory, a FIFO, a device or a link that
+  // points nowhere.
+  bool regular = false;
 
   // The low 32 bits of the size, which is what the trace listings show.
   std::uint32_t SizeLow32() const { return static_cast<std::uint32_t>(size); }

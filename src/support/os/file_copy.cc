@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "support/os/pending_file.h"
 #include "support/os/system_error_text.h"
 
 #ifdef _WIN32
@@ -27,8 +28,13 @@ bool Fail(std::string* error, std::string text) {
 #ifdef _WIN32
 
 bool CopyFileOverwrite(const std::string& source, const std::string& target, std::string* error) {
-  if (CopyFileA(source.c_str(), target.c_str(), FALSE)) return true;
-  return Fail(error, LastErrorText());
+  PendingFile to;  // the copy takes the target's name only when complete
+  std::string reason;
+  if (!to.Create(target, &reason)) return Fail(error, std::move(reason));
+  CloseFile(to.ReleaseHandle());  // CopyFileA writes the temporary file by its name
+  if (!CopyFileA(source.c_str(), to.path().c_str(), FALSE)) return Fail(error, LastErrorText());
+  if (!to.Commit(&reason)) return Fail(error, std::move(reason));
+  return true;
 }
 
 #else
@@ -44,57 +50,48 @@ class Fd {
     if (fd_ >= 0) close(fd_);
   }
   int get() const { return fd_; }
-  // Closes now and reports, so a failed flush of the target is not lost.
-  bool Close() {
-    const int fd = fd_;
-    fd_ = -1;
-    return close(fd) == 0;
-  }
 
  private:
   int fd_;
 };
 
-bool WriteAll(int fd, const char* data, std::size_t size) {
-  while (size > 0) {
-    const ssize_t written = write(fd, data, size);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    data += written;
-    size -= static_cast<std::size_t>(written);
-  }
-  return true;
-}
-
-bool CopyBytes(int from, int to, std::string* error) {
+bool CopyBytes(int from, PendingFile& to, std::string* error) {
   std::vector<char> buffer(1 << 20);
   for (;;) {
     const ssize_t got = read(from, buffer.data(), buffer.size());
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) return Fail(error, ErrnoText(errno));
     if (got == 0) return true;
-    if (!WriteAll(to, buffer.data(), static_cast<std::size_t>(got))) {
-      return Fail(error, ErrnoText(errno));
+    std::string reason;
+    if (!to.Write(buffer.data(), static_cast<std::size_t>(got), &reason)) {
+      return Fail(error, std::move(reason));
     }
   }
+}
+
+bool SameFile(const std::string& target, const struct stat& source) {
+  struct stat info {};
+  return stat(target.c_str(), &info) == 0 && info.st_dev == source.st_dev &&
+         info.st_ino == source.st_ino;
 }
 
 }  // namespace
 
 bool CopyFileOverwrite(const std::string& source, const std::string& target, std::string* error) {
-  Fd from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
+  // O_NONBLOCK: a FIFO would otherwise wait for a writer here; it is refused below.
+  Fd from(open(source.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat from_info {};
   if (from.get() < 0 || fstat(from.get(), &from_info) != 0) return Fail(error, ErrnoText(errno));
-  // Not O_TRUNC yet: copying a file onto itself must fail, not empty it.
-  Fd to(open(target.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, from_info.st_mode & 0777));
-  struct stat to_info {};
-  if (to.get() < 0 || fstat(to.get(), &to_info) != 0) return Fail(error, ErrnoText(errno));
-  if (to_info.st_dev == from_info.st_dev && to_info.st_ino == from_info.st_ino) {
-    return Fail(error, ErrnoText(EINVAL));
-  }
-  if (ftruncate(to.get(), 0) != 0) return Fail(error, ErrnoText(errno));
-  if (!CopyBytes(from.get(), to.get(), error)) return false;
-  if (!to.Close()) return Fail(error, ErrnoText(errno));
+  if (S_ISDIR(from_info.st_mode)) return Fail(error, ErrnoText(EISDIR));
+  if (!S_ISREG(from_info.st_mode)) return Fail(error, "not a regular file");
+  fcntl(from.get(), F_SETFL, fcntl(from.get(), F_GETFL) & ~O_NONBLOCK);
+  // Copying a file onto itself must fail, as the platform's copy does, not empty it.
+  if (SameFile(target, from_info)) return Fail(error, ErrnoText(EINVAL));
+  PendingFile to;  // the copy takes the target's name only when complete
+  std::string reason;
+  if (!to.Create(target, &reason)) return Fail(error, std::move(reason));
+  if (!CopyBytes(from.get(), to, error)) return false;
+  if (!to.Commit(&reason)) return Fail(error, std::move(reason));
   return true;
 }
 

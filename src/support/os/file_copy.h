@@ -7,9 +7,10 @@
 namespace os {
 
 // Copies `source` to `target`, replacing `target` when it exists. Returns false and, when
-// `error` is given, the operating system's text for the failure; a failed copy may leave a
-// partial target behind. Windows uses CopyFileA; POSIX copies the bytes and gives the target
-// the source's permission bits (as far as the umask allows).
+// `error` is given, the operating system's text for the failure. Windows uses CopyFileA; POSIX
+// copies the bytes under a temporary name beside the target and renames it when complete (a
+// failed copy leaves the target as it was, os::PendingFile), and refuses a source that is not
+// a regular file (a directory, a FIFO) before creating anything.
 bool CopyFileOverwrite(const std::string& source, const std::string& target,
                        std::string* error = nullptr);
 

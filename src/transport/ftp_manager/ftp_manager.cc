@@ -4,6 +4,7 @@
 
 #include "support/os/file_handle.h"
 #include "support/os/path_separator.h"
+#include "support/os/pending_file.h"
 #include "transport/ftp/ftp_client.h"
 #include "transport/ftp_manager/ftp_manager_raise.h"
 
@@ -97,21 +98,32 @@ void CFtpManager::GetFileList(std::uint16_t mode, const std::string& pattern) {
   }
 }
 
+// Both forms receive into a temporary file beside the local copy, which takes the copy's name
+// only once the transfer has ended well: a failed one leaves nothing behind and keeps an older
+// copy, and a link at that name is replaced rather than followed.
 void CFtpManager::RetrieveFile(const std::string& remote) {
   size_probe_open_ = false;
-  const std::string local = LocalPath(remote);
-  if (FtpRecvFile(remote.c_str(), local.c_str(), kFtpTypeAscii, false) != kFtpOk) {
-    Raise(kRetrieveClass, "FtpOpenDataConnection", "FTP failed to retrieve file.");
+  os::PendingFile local;
+  std::string error;
+  bool received = local.Create(LocalPath(remote), &error);
+  if (received) {
+    os::CloseFile(local.ReleaseHandle());  // the client writes it by name
+    received = FtpRecvFile(remote.c_str(), local.path().c_str(), kFtpTypeAscii, false) == kFtpOk &&
+               local.Commit(&error);
   }
+  if (!received) Raise(kRetrieveClass, "FtpOpenDataConnection", "FTP failed to retrieve file.");
 }
 
 void CFtpManager::RetrieveFile(const std::string& remote, char type, std::uint64_t offset) {
   size_probe_open_ = false;
-  const os::FileHandle file = os::CreateFileForWrite(LocalPath(remote));
-  if (file == os::kNoFile) Raise("NfsManger::GetTraceFileList", "_lcreat", os::LastFileErrorText());
+  os::PendingFile local;
+  std::string error;
+  if (!local.Create(LocalPath(remote), &error))
+    Raise("NfsManger::GetTraceFileList", "_lcreat", error);
   // The client owns the handle from here and closes it however the transfer ends.
-  if (FtpRecvFileToHandle(remote.c_str(), file, type, false, static_cast<std::int64_t>(offset)) !=
-      kFtpOk) {
+  if (FtpRecvFileToHandle(remote.c_str(), local.ReleaseHandle(), type, false,
+                          static_cast<std::int64_t>(offset)) != kFtpOk ||
+      !local.Commit(&error)) {
     Raise(kRetrieveClass, "FtpOpenDataConnection", "FTP failed to retrieve file.");
   }
 }

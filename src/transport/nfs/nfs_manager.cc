@@ -1,5 +1,6 @@
 #include "transport/nfs/nfs_manager.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 #include <vector>
@@ -67,32 +68,34 @@ void CNfsManager::GetTraceFileList(std::uint16_t list_style, const std::string& 
   }
 }
 
-std::uint32_t CNfsManager::GetTraceFileNameFromPID(const std::string& pid, std::string* file_name) {
-  if (trace_path_.empty()) Raise(kLookupClass, "Init", kNotSet);
-  const os::DirSearchResult search =
-      os::FindFiles(trace_path_ + os::kPathSeparator + "*" + pid + "*.trc");
-  if (!search.started) {
-    Raise(kLookupClass, "FindFirstFile", "NFS failed to open trace file for the session!");
-  }
-  std::vector<std::uint32_t> sizes;
-  std::uint32_t result = 0;
-  for (const os::DirEntry& entry : search.entries) {
-    *file_name = entry.name;
-    sizes.push_back(entry.SizeLow32());
-    result = entry.SizeLow32();
-  }
-  if (sizes.empty()) {
+namespace {
+
+struct Choice {
+  std::size_t chosen = 0;  // the session's file
+  std::size_t paired = 0;  // the entry whose size GetTraceFileNameFromPID answers with
+};
+
+// Picks the session's file among `entries`. One candidate is taken as it is; of several, the
+// one whose name holds the zero-padded pid, and none or more than one such name fails. The
+// paired size is the one at the position of the match count among the candidates: the FIRST
+// candidate's size for the (only) match, not necessarily the chosen file's. Callers rely on this
+// pairing; do not "fix" it.
+Choice Choose(const std::vector<os::DirEntry>& entries, const std::string& pid,
+              std::string* file_name) {
+  for (const os::DirEntry& entry : entries) *file_name = entry.name;
+  if (entries.empty()) {
     Raise(kListClass, "FindFirstFile", "NFS did not find a trace file for the session!");
   }
-  if (sizes.size() == 1) return result;
+  if (entries.size() == 1) return {0, 0};
 
   // pid 12 also finds ora_123.trc; the zero-padded form "00012" tells the session's own file.
   const std::string converted = support::ConvertPID2TraceFilename(pid);
+  Choice choice;
   std::size_t matches = 0;
-  for (const os::DirEntry& entry : search.entries) {
-    if (entry.name.find(converted) == std::string::npos) continue;
-    *file_name = entry.name;
-    result = sizes[matches];  // by match count, not by the entry's own position
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].name.find(converted) == std::string::npos) continue;
+    *file_name = entries[i].name;
+    choice = {i, matches};  // by match count, not by the entry's own position
     ++matches;
   }
   if (matches == 0) {
@@ -103,7 +106,35 @@ std::uint32_t CNfsManager::GetTraceFileNameFromPID(const std::string& pid, std::
           "NFS did not find a unique converted trace file for the session! Check the trace files "
           "in the user_dump_dest. Clean up if necessary.");
   }
-  return result;
+  return choice;
+}
+
+}  // namespace
+
+std::vector<os::DirEntry> CNfsManager::Candidates(const std::string& pid) const {
+  if (trace_path_.empty()) Raise(kLookupClass, "Init", kNotSet);
+  os::DirSearchResult search =
+      os::FindFiles(trace_path_ + os::kPathSeparator + "*" + pid + "*.trc");
+  if (!search.started) {
+    Raise(kLookupClass, "FindFirstFile", "NFS failed to open trace file for the session!");
+  }
+  return std::move(search.entries);
+}
+
+std::uint32_t CNfsManager::GetTraceFileNameFromPID(const std::string& pid, std::string* file_name) {
+  const std::vector<os::DirEntry> entries = Candidates(pid);
+  return entries[Choose(entries, pid, file_name).paired].SizeLow32();
+}
+
+CNfsManager::FoundTraceFile CNfsManager::FindTraceFileOfPID(const std::string& pid) {
+  std::vector<os::DirEntry> entries = Candidates(pid);
+  entries.erase(std::remove_if(entries.begin(), entries.end(),
+                               [](const os::DirEntry& entry) { return !entry.regular; }),
+                entries.end());
+  FoundTraceFile found;
+  const Choice choice = Choose(entries, pid, &found.name);
+  found.size = entries[choice.chosen].size;
+  return found;
 }
 
 }  // namespace transport

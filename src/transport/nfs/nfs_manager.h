@@ -13,7 +13,9 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
+#include "support/os/dir_search.h"
 #include "transport/nfs/nfs_connect_info.h"
 
 namespace transport {
@@ -70,7 +72,19 @@ class CNfsManager {
   // characters fails only when candidates have to be resolved.
   std::uint32_t GetTraceFileNameFromPID(const std::string& pid, std::string* file_name);
 
+  // The command's lookup: the same choice and failures as GetTraceFileNameFromPID, but only
+  // regular files are candidates (directories, FIFOs and links that point nowhere are passed
+  // over), and the size is the chosen file's own, in full.
+  struct FoundTraceFile {
+    std::string name;
+    std::uint64_t size = 0;
+  };
+  FoundTraceFile FindTraceFileOfPID(const std::string& pid);
+
  private:
+  // The entries of the trace directory that match "*<pid>*.trc"; throws when none can be had.
+  std::vector<os::DirEntry> Candidates(const std::string& pid) const;
+
   std::string trace_path_;
   std::string local_directory_;
 };
