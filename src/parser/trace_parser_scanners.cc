@@ -177,7 +177,12 @@ void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
   CloseCursor(cursor);
   TraceStatement* statement = merge_identical_sql_ ? ReopenBySqlText(header.text) : nullptr;
   if (statement != nullptr) {
-    statement->cursor = cursor;  // the header stays the one first seen
+    // The header stays the one first seen.
+    if (!table_.open().empty() && table_.open().back().get() == statement) {
+      table_.RenumberLast(cursor);
+    } else {
+      statement->cursor = cursor;
+    }
     statement->cursor_known = header.cursor_known;
     statement->cursor_negative = header.cursor_negative;
   } else {
