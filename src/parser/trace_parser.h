@@ -20,6 +20,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "parser/document_context.h"
 #include "parser/line_source.h"
@@ -29,6 +30,7 @@
 #include "parser/sort_options.h"
 #include "parser/statement_table.h"
 #include "parser/trace_statement.h"
+#include "parser/wait_classes.h"
 
 namespace parser {
 
@@ -143,6 +145,12 @@ class CTraceParser {
   // The aggregated flag of the parse methods is TKPROF's aggregate=yes: merge identical SQL.
   void SetAggregated(bool aggregated) { merge_identical_sql_ = aggregated; }
   bool IsAggregated() const { return merge_identical_sql_; }
+  // Summary only: statements keep what the aggregated documents, the sort step and the text
+  // report read (totals, the first PARSE's mis, the first EXEC's og, wait sums per class, STAT
+  // rows, SQL text) and no call, bind or wait records, which the call-by-call document would
+  // need. A trace then takes a fraction of the memory. Off by default.
+  void SetSummaryOnly(bool summary_only) { summary_only_ = summary_only; }
+  bool SummaryOnly() const { return summary_only_; }
   void SetMergeIdenticalSql(bool merge) { merge_identical_sql_ = merge; }
   bool MergeIdenticalSql() const { return merge_identical_sql_; }
   // Reads "%d.%d.%d.%d.%d"; numbers not reached keep their values.
@@ -238,6 +246,10 @@ class CTraceParser {
   void ReadNewerBinds(TraceStatement* statement, CursorNo cursor, std::int32_t bind_set,
                       std::string_view line);
   void SetFlags(std::uint8_t flags);
+  // Files a wait under `statement`: its record, or in a summary-only parse its ela in the sum of
+  // its class.
+  void FileWait(TraceStatement& statement, WaitRecord& wait);
+  WaitClass ClassOfInterned(std::string_view name);
   bool SourceAtEnd() const;
   // Whole-input forms: reads to the end of the source, then closes every statement.
   void ParseToEnd();
@@ -281,6 +293,11 @@ class CTraceParser {
   std::string_view line_buffer_;
   bool line_may_mark_limit_ = true;
   NamePool wait_names_;
+  bool summary_only_ = false;
+  // The class of each interned wait name, by the address of the pool's copy.
+  std::unordered_map<const char*, WaitClass> wait_classes_;
+  const char* last_wait_name_ = nullptr;
+  WaitClass last_wait_class_ = kOther;
   ProgressCallback progress_;
   std::uint64_t reported_position_ = 0;
 };

@@ -89,7 +89,9 @@ void CTraceParser::ReadNewerBinds(TraceStatement* statement, CursorNo cursor, st
   const DispatchState state{session_timestamp_taken_, skip_binds_, skip_waits_};
   NewerBind bind;
   const auto finish = [&] {
-    if (bind.open && statement != nullptr) statement->binds.push_back(std::move(bind.record));
+    if (bind.open && statement != nullptr && !summary_only_) {
+      statement->binds.push_back(std::move(bind.record));
+    }
     bind = NewerBind{};
   };
   for (bool have_line = true; have_line; have_line = NextLine(&line)) {

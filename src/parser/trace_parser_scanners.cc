@@ -119,7 +119,11 @@ void CTraceParser::ScanParse(std::string_view line) {
   NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
-    statement->parse_calls.push_back(call);
+    if (!summary_only_) {
+      statement->parse_calls.push_back(call);
+    } else if (statement->totals[kParseTotals].count == 0) {
+      statement->first_parse_mis = call.mis;
+    }
     statement->totals[kParseTotals].Add(counted);
   }
 }
@@ -132,7 +136,11 @@ void CTraceParser::ScanExec(std::string_view line) {
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     call.exebnd = statement->bind_set_count - 1;
-    statement->exec_calls.push_back(call);
+    if (!summary_only_) {
+      statement->exec_calls.push_back(call);
+    } else if (statement->totals[kExecTotals].count == 0) {
+      statement->first_exec_og = call.og;
+    }
     statement->totals[kExecTotals].Add(counted);
   }
 }
@@ -144,7 +152,7 @@ void CTraceParser::ScanFetch(std::string_view line) {
   NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
-    statement->fetch_calls.push_back(call);
+    if (!summary_only_) statement->fetch_calls.push_back(call);
     statement->totals[kFetchTotals].Add(counted);
   }
 }
@@ -233,10 +241,29 @@ void CTraceParser::ScanWait(std::string_view line) {
     wait.tim = WrappingAdd(current_time_, wait.ela);
   }
   current_time_ = wait.tim;
-  if (TraceStatement* statement = StatementForCursor(wait.cursor)) {
-    wait.nam = wait_names_.Intern(wait.nam);
-    statement->waits.push_back(wait);
+  if (TraceStatement* statement = StatementForCursor(wait.cursor)) FileWait(*statement, wait);
+}
+
+void CTraceParser::FileWait(TraceStatement& statement, WaitRecord& wait) {
+  wait.nam = wait_names_.Intern(wait.nam);
+  if (!summary_only_) {
+    statement.waits.push_back(wait);
+    return;
   }
+  ++statement.wait_count;
+  statement.wait_sums[ClassOfInterned(wait.nam)] += static_cast<double>(wait.ela);
+}
+
+// Event names are few: each is classified once, by the address of its pooled copy.
+WaitClass CTraceParser::ClassOfInterned(std::string_view name) {
+  if (name.data() != last_wait_name_) {
+    const auto known = wait_classes_.find(name.data());
+    last_wait_class_ = known != wait_classes_.end()
+                           ? known->second
+                           : wait_classes_.emplace(name.data(), WaitClassOf(name)).first->second;
+    last_wait_name_ = name.data();
+  }
+  return last_wait_class_;
 }
 
 // BINDS #2:
@@ -272,7 +299,7 @@ void CTraceParser::ScanBinds(std::string_view line) {
     bind.cursor = cursor;
     bind.bind_set = bind_set;
     have_line = ReadBind(&in_hand, &bind);
-    if (statement != nullptr) statement->binds.push_back(std::move(bind));
+    if (statement != nullptr && !summary_only_) statement->binds.push_back(std::move(bind));
   }
   line_buffer_ = {};
 }
