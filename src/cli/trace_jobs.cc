@@ -10,12 +10,11 @@
 
 #include "cli/output.h"
 #include "cli/progress.h"
-#include "cli/scratch_dir.h"
 #include "cli/stream_progress.h"
+#include "parser/aggregated_xml_writer.h"
 #include "parser/call_xml_writer.h"
 #include "parser/output_sink.h"
 #include "parser/trace_parser.h"
-#include "parser/xml_paths.h"
 #include "support/exceptions.h"
 #include "support/os/pending_file.h"
 
@@ -83,11 +82,14 @@ void ParseStream(parser::CTraceParser& parser, const TraceStream& trace, std::ui
   parser.ParseStreamFrom(source, trace.name, offset, flags);
 }
 
-void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) {
-  const parser::DocumentContext context = parser.MakeDocumentContext();
+using WriteDocument = std::function<void(parser::OutputSink& sink)>;
+
+// Writes a document to standard output or, under a temporary name renamed when complete, to
+// the file `output`.
+void WriteOutput(const std::string& output, const WriteDocument& write) {
   if (output.empty()) {
     parser::OutputSink sink(std::cout, parser::LineEnds::kNative);
-    parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+    write(sink);
     sink.Close();
     FinishStandardOutput();
     return;
@@ -96,23 +98,34 @@ void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) 
   if (!sink.OpenFile(output)) {
     throw std::runtime_error("cannot create " + output + ": " + sink.ErrorText());
   }
-  parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+  write(sink);
   if (!sink.Close()) throw std::runtime_error("cannot write " + output + ": " + sink.ErrorText());
 }
 
-// The aggregated writers put their document next to the trace name they are given: give them
-// a name in a scratch directory and hand the document on from there.
+void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) {
+  const parser::DocumentContext context = parser.MakeDocumentContext();
+  WriteOutput(output, [&](parser::OutputSink& sink) {
+    parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+  });
+}
+
+// The aggregated documents go straight to their target: every check of the library's writers
+// (an empty trace, a name without ".trc", the statement's matches) is made before a byte is
+// written, so a failing job leaves no output, as when the document was made beside the trace.
 void WriteAggregatedDocument(parser::CTraceParser& parser, const std::string& trace, bool sorted,
                              const std::string& output) {
-  ScratchDir scratch;
   const std::string name = std::filesystem::path(trace).filename().string();
-  const std::string scratch_name = (scratch.path() / name).string();
+  const parser::DocumentContext context = parser.MakeDocumentContext();
+  parser::StatementList& closed = parser.ClosedStatements();
   if (sorted) {
-    parser.CreateSortedXML(scratch_name);
+    parser::CheckSortedXml(closed, context, name);
+    WriteOutput(output,
+                [&](parser::OutputSink& sink) { parser::WriteSortedXml(closed, context, sink); });
   } else {
-    parser.CreateTkprofXML(scratch_name);
+    parser::CheckTkprofXml(closed, name);
+    WriteOutput(output,
+                [&](parser::OutputSink& sink) { parser::WriteTkprofXml(closed, context, sink); });
   }
-  DeliverFile(parser::AggregatedXmlPath(scratch_name), output);
 }
 
 }  // namespace
@@ -160,6 +173,7 @@ void Doing(const std::string& what, Step&& step) {
 
 void Report(const std::string& trace, const ParseInput& parse, const ReportJob& job) {
   ParseSetup setup(job.sort, job.parse);
+  setup.parser.SetSummaryOnly(true);  // the report reads no call, bind or wait record
   Doing("parsing " + trace, [&] { parse(setup.parser, 0); });
   Doing("writing the report of " + trace, [&] {
     setup.parser.SortClosedStatements();
@@ -172,6 +186,8 @@ void Report(const std::string& trace, const ParseInput& parse, const ReportJob& 
 void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
   ParseSetup setup(job.sort, job.parse);
   if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
+  // The aggregated documents read no call, bind or wait record: keep none.
+  setup.parser.SetSummaryOnly(job.Kind() != XmlKind::kCalls);
   Doing("parsing " + trace,
         [&] { parse(setup.parser, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0); });
   Doing("writing the document of " + trace, [&] {
