@@ -6,7 +6,9 @@
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include "cli/output.h"
 #include "cli/progress.h"
@@ -109,6 +111,53 @@ void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) 
   });
 }
 
+// The call document to the file `output`, written while the trace is read: each statement as
+// soon as no later line can reach it, so that memory stays flat whatever the trace's size. The
+// file takes its name only when the parse and the document are complete: a parse that fails
+// half-way (a trace that reached its size limit) leaves no half document.
+class StreamedCallDocument {
+ public:
+  StreamedCallDocument(parser::CTraceParser& parser, std::string output)
+      : parser_(parser), output_(std::move(output)) {
+    parser_.SetClosedStatementHandler(
+        [this](parser::TraceStatement& statement) { Write(statement); });
+  }
+  ~StreamedCallDocument() { parser_.SetClosedStatementHandler(nullptr); }
+  StreamedCallDocument(const StreamedCallDocument&) = delete;
+  StreamedCallDocument& operator=(const StreamedCallDocument&) = delete;
+
+  // After the parse: the statements it kept, the end, the file's name.
+  void Finish() {
+    for (const auto& statement : parser_.ClosedStatements()) Write(*statement);
+    Start();
+    parser::WriteCallXmlEnd(sink_);
+    if (!sink_.Close()) {
+      throw std::runtime_error("cannot write " + output_ + ": " + sink_.ErrorText());
+    }
+  }
+
+ private:
+  void Start() {
+    if (started_) return;
+    if (!sink_.OpenFile(output_)) {
+      throw std::runtime_error("cannot create " + output_ + ": " + sink_.ErrorText());
+    }
+    context_ = parser_.MakeDocumentContext();
+    parser::WriteCallXmlStart(sink_, context_);
+    started_ = true;
+  }
+  void Write(const parser::TraceStatement& statement) {
+    Start();
+    parser::WriteCallXmlStatement(sink_, statement, context_);
+  }
+
+  parser::CTraceParser& parser_;
+  std::string output_;
+  parser::OutputSink sink_;  // discards the file unless Close() succeeded
+  parser::DocumentContext context_;
+  bool started_ = false;
+};
+
 // The aggregated documents go straight to their target: every check of the library's writers
 // (an empty trace, a name without ".trc", the statement's matches) is made before a byte is
 // written, so a failing job leaves no output, as when the document was made beside the trace.
@@ -182,9 +231,25 @@ void Report(const std::string& trace, const ParseInput& parse, const ReportJob& 
   FinishStandardOutput();
 }
 
+// Without sorting or merging, a call document for a file is written as the trace is read.
+bool StreamsCallDocument(const XmlJob& job, const ParseSetup& setup) {
+  return job.Kind() == XmlKind::kCalls && !job.output.empty() && !setup.sort && !job.parse.merge;
+}
+
+void StreamCalls(const std::string& trace, const ParseInput& parse, const XmlJob& job,
+                 ParseSetup& setup) {
+  StreamedCallDocument document(setup.parser, job.output);
+  Doing("parsing " + trace, [&] { parse(setup.parser, ParseFlags(job)); });
+  Doing("writing the document of " + trace, [&] { document.Finish(); });
+}
+
 // `trace` names the trace: the aggregated documents are named after it.
 void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
   ParseSetup setup(job.sort, job.parse);
+  if (StreamsCallDocument(job, setup)) {
+    StreamCalls(trace, parse, job, setup);
+    return;
+  }
   if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
   // The aggregated documents read no call, bind or wait record: keep none.
   setup.parser.SetSummaryOnly(job.Kind() != XmlKind::kCalls);

@@ -30,6 +30,10 @@ class StatementTable {
   // first open statement with that cursor (which then becomes the cached one), else null.
   TraceStatement* ForCursor(CursorNo cursor);
   void Cache(CursorNo cursor, TraceStatement* statement);
+  // True when `statement` is the cached one: closed or not, it may still receive lines.
+  bool IsCached(const TraceStatement* statement) const {
+    return cache_set_ && cached_ == statement;
+  }
 
   // A new statement with the next sequence number, appended to the open list.
   TraceStatement* OpenNew(CursorNo cursor);

@@ -84,6 +84,18 @@ class CTraceParser {
   virtual void ParseDatabaseReader(LineSource& reader, const std::string& name,
                                    std::uint64_t offset);
 
+  // Takes each closed statement that no later line can reach, in closing order, during a
+  // whole-input parse (Parse, ParseFrom, ParseStream...), once the session timestamp and the
+  // first cursor time are known; the statement is destroyed when the call returns, and those
+  // still closed at the end of the parse stay in the closed list. Not while merging identical
+  // SQL (a closed statement may be continued) nor in batches. A closed statement stays reachable
+  // while it is the cached statement of its cursor. For a call document written as the trace
+  // is read, whose memory then stays flat whatever the trace's size. Null: keep all (default).
+  using ClosedStatementHandler = std::function<void(TraceStatement& statement)>;
+  void SetClosedStatementHandler(ClosedStatementHandler handler) {
+    closed_handler_ = std::move(handler);
+  }
+
   // Called with the number of bytes of a local file read so far, once for each block read.
   using ProgressCallback = std::function<void(std::uint64_t bytes_read)>;
   void SetProgressCallback(ProgressCallback callback) { progress_ = std::move(callback); }
@@ -246,6 +258,8 @@ class CTraceParser {
   void ReadNewerBinds(TraceStatement* statement, CursorNo cursor, std::int32_t bind_set,
                       std::string_view line);
   void SetFlags(std::uint8_t flags);
+  // Hands the closed statements that are final to closed_handler_ (see its setter).
+  void HandOverClosed();
   // Files a wait under `statement`: its record, or in a summary-only parse its ela in the sum of
   // its class.
   void FileWait(TraceStatement& statement, WaitRecord& wait);
@@ -299,6 +313,7 @@ class CTraceParser {
   const char* last_wait_name_ = nullptr;
   WaitClass last_wait_class_ = kOther;
   ProgressCallback progress_;
+  ClosedStatementHandler closed_handler_;
   std::uint64_t reported_position_ = 0;
 };
 

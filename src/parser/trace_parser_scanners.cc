@@ -21,6 +21,21 @@ std::int64_t WrappingAdd(std::int64_t a, std::int64_t b) {
 
 void CTraceParser::DispatchLine(std::string_view line) {
   while (DispatchOnce(line)) line = line_buffer_;
+  if (closed_handler_ && !table_.closed().empty()) HandOverClosed();
+}
+
+void CTraceParser::HandOverClosed() {
+  // The document's start needs both figures; merging may continue any closed statement; a batch
+  // counts its closed statements.
+  if (!session_timestamp_taken_ || first_cursor_time_pending_ || merge_identical_sql_ ||
+      statement_limit_ != 0) {
+    return;
+  }
+  StatementList& closed = table_.closed();
+  while (!closed.empty() && !table_.IsCached(closed.front().get())) {
+    closed_handler_(*closed.front());
+    closed.pop_front();
+  }
 }
 
 bool CTraceParser::DispatchOnce(std::string_view line) {

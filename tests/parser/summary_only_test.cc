@@ -1,6 +1,7 @@
 // Generated traces in both layouts: the aggregated documents and the report of a summary-only
 // parse are the bytes of the full parse's, and those bytes keep their checksums (a change that
-// alters a single figure anywhere in them shows here).
+// alters a single figure anywhere in them shows here); the call document written while the
+// trace is read is the one written after it.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <string>
 
 #include "parser/aggregated_xml_writer.h"
+#include "parser/call_xml_writer.h"
 #include "parser/output_sink.h"
 #include "parser/text_report.h"
 #include "parser/trace_parser.h"
@@ -96,6 +98,85 @@ TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
     EXPECT_EQ(Checksum(full.tkprof), test.tkprof);
     EXPECT_EQ(Checksum(full.sorted), test.sorted);
     EXPECT_EQ(Checksum(full.report), test.report);
+  }
+}
+
+// The call document of statements handed over while the trace is read, against the one of the
+// whole closed list.
+std::string StreamedCallDocument(const std::string& path, std::uint8_t flags,
+                                 std::size_t* handed_over) {
+  parser::CTraceParser trace;
+  std::ostringstream text;
+  parser::OutputSink out(text);
+  bool started = false;
+  parser::DocumentContext context;
+  const auto write = [&](const parser::TraceStatement& statement) {
+    if (!started) {
+      context = trace.MakeDocumentContext();
+      parser::WriteCallXmlStart(out, context);
+      started = true;
+    }
+    parser::WriteCallXmlStatement(out, statement, context);
+  };
+  trace.SetClosedStatementHandler([&](parser::TraceStatement& statement) {
+    ++*handed_over;
+    write(statement);
+  });
+  trace.ParseFrom(path, 0, flags);
+  for (const auto& statement : trace.ClosedStatements()) write(*statement);
+  if (!started) parser::WriteCallXmlStart(out, trace.MakeDocumentContext());
+  parser::WriteCallXmlEnd(out);
+  out.Close();
+  return text.str();
+}
+
+std::string WholeCallDocument(const std::string& path, std::uint8_t flags) {
+  parser::CTraceParser trace;
+  trace.ParseFrom(path, 0, flags);
+  std::ostringstream text;
+  parser::OutputSink out(text);
+  parser::WriteCallXml(trace.ClosedStatements(), trace.MakeDocumentContext(), out);
+  out.Close();
+  return text.str();
+}
+
+TEST(StreamedCalls, StatementsHandedOverWhileReadingGiveTheWholeDocument) {
+  for (const auto format : {tracegen::TraceFormat::kOracle9i, tracegen::TraceFormat::kOracle19c}) {
+    for (const int flags : {0, parser::kSkipWaits | parser::kTopLevelOnly}) {
+      SCOPED_TRACE(std::to_string(static_cast<int>(format)) + " flags " + std::to_string(flags));
+      tracegen::GeneratorOptions options;
+      options.format = format;
+      options.target_bytes = 2 << 20;
+      options.process_line_every = 40;
+      const TempFile file("");
+      ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, nullptr));
+      std::size_t handed_over = 0;
+      const auto bits = static_cast<std::uint8_t>(flags);
+      EXPECT_EQ(StreamedCallDocument(file.path(), bits, &handed_over),
+                WholeCallDocument(file.path(), bits));
+      EXPECT_GT(handed_over, 80u);  // of about 100 to 200 statements
+    }
+  }
+}
+
+// Statements closed before the session timestamp or the first cursor time is known are kept
+// until both are: the document's start reads them.
+TEST(StreamedCalls, StatementsWaitForTheFiguresOfTheDocumentsStart) {
+  const std::string error =
+      "PARSE ERROR #3:len=17 dep=0 uid=5 oct=3 lid=5 tim=77 err=942\n"
+      "select * from nx\n";
+  const std::string session = "*** SESSION ID:(9.1407) 2004-05-07 11:20:17.631\n";
+  const std::string texts[] = {
+      error + error + session + CursorBlock(3, "select 1 from dual", 4242) + error,
+      CursorBlock(1, "select 1 from dual") + CursorBlock(1, "select 2 from dual") + session +
+          CursorBlock(1, "select 3 from dual") + CursorBlock(2, "select 4 from dual"),
+      CursorBlock(1, "select 1 from dual") + CursorBlock(1, "select 2 from dual"),
+  };
+  for (const std::string& text : texts) {
+    const TempFile file(text);
+    std::size_t handed_over = 0;
+    EXPECT_EQ(StreamedCallDocument(file.path(), 0, &handed_over), WholeCallDocument(file.path(), 0))
+        << text;
   }
 }
 
