@@ -116,14 +116,15 @@ void CTraceParser::ReadNewerBinds(TraceStatement* statement, CursorNo cursor, st
         ScanBindPositionLine(line, &bind.record);
         bind.open = true;
         break;
+      // A summary-only parse keeps no bind record: these lines only have to be stepped over.
       case NewerBindLine::kType:
-        ScanBindTypeLine(line, &bind.record);
+        if (!summary_only_) ScanBindTypeLine(line, &bind.record);
         break;
       case NewerBindLine::kFlags:
-        ScanBindFlagsLine(line, &bind.record);
+        if (!summary_only_) ScanBindFlagsLine(line, &bind.record);
         break;
       case NewerBindLine::kBuffer:
-        ScanBindAddressLine(line, &bind.record);
+        if (!summary_only_) ScanBindAddressLine(line, &bind.record);
         break;
       case NewerBindLine::kValue:
         bind.value_open = ScanNewerBindValue(line, &bind.record);

@@ -319,15 +319,16 @@ void CTraceParser::ScanBinds(std::string_view line) {
   line_buffer_ = {};
 }
 
+// A summary-only parse keeps no bind record: it only steps over the bind's lines.
 bool CTraceParser::ReadBind(std::string_view* line, BindRecord* bind) {
-  ScanBindDefinitionLine(*line, bind);
+  if (!summary_only_) ScanBindDefinitionLine(*line, bind);
   if (!NextLine(line)) return false;
   if (Contains(*line, "bfp")) {
-    ScanBindBufferLine(*line, bind);
+    if (!summary_only_) ScanBindBufferLine(*line, bind);
     if (!NextLine(line)) return false;
   }
   if (!Contains(*line, "value")) return true;
-  ScanBindValueLine(*line, bind);
+  if (!summary_only_) ScanBindValueLine(*line, bind);
   return NextLine(line);
 }
 
