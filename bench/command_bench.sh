@@ -1,44 +1,68 @@
 #!/usr/bin/env bash
-# End-to-end figures of the pelicor command on generated traces: MB/s of trace read for the
-# report, the aggregated document, the call-by-call document, the profile and the HTML page,
-# the peak resident memory, and the size of the page.
+# End-to-end figures of the pelicor command on generated traces: for the 9i and the 19c layout,
+# MB/s of trace read by the report, the aggregated document, the call-by-call document, the
+# profile and the HTML page, the MB/s of a bare fgets+sscanf scan of the same file in the same
+# run and each job's ratio to it, the peak resident memory as a fraction of the trace, and the
+# size of the page. Best of REPEATS runs.
 # Usage: bench/command_bench.sh [BUILD_DIR=build/release] [MEGABYTES=300] [REPEATS=3]
-# Needs /usr/bin/time (Debian package "time"). Prints figures; judges nothing.
+# PELICOR=path runs another build of the command (say, the one before a change) against the
+# same traces and scan. Needs /usr/bin/time (Debian package "time"). Prints figures; judges
+# nothing.
 set -euo pipefail
 build=${1:-build/release}
 megabytes=${2:-300}
 repeats=${3:-3}
-pelicor=$build/src/cli/pelicor
+pelicor=${PELICOR:-$build/src/cli/pelicor}
 generator=$build/bench/generator/gen_trace
-[ -x "$pelicor" ] && [ -x "$generator" ] || { echo "build $build first (release preset)" >&2; exit 1; }
+bare_scan=$build/bench/bare_scan
+for tool in "$pelicor" "$generator" "$bare_scan"; do
+  [ -x "$tool" ] || { echo "build $build first (release preset): no $tool" >&2; exit 1; }
+done
 [ -x /usr/bin/time ] || { echo "needs /usr/bin/time (apt-get install time)" >&2; exit 1; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# best_of NAME ARGS...: runs the command REPEATS times, prints the best MB/s and its peak RSS.
+# best_of TRACE COMMAND...: runs the command REPEATS times; sets best (seconds) and rss (KB)
+# of the fastest run.
 best_of() {
-  local name=$1 trace=$2 bytes best="" rss=""
-  shift 2
-  bytes=$(stat -c %s "$trace")
+  local trace=$1 seconds kilobytes
+  shift
+  best="" rss=""
   for _ in $(seq "$repeats"); do
-    /usr/bin/time -f '%e %M' -o "$work/time" "$pelicor" "$@" >/dev/null
+    /usr/bin/time -f '%e %M' -o "$work/time" "$@" >/dev/null
     read -r seconds kilobytes <"$work/time"
     if [ -z "$best" ] || awk "BEGIN{exit !($seconds < $best)}"; then best=$seconds; rss=$kilobytes; fi
   done
-  awk -v n="$name" -v b="$bytes" -v s="$best" -v r="$rss" 'BEGIN {
-    printf "%-28s %7.0f MB/s  %6.2f s  peak %5.0f MB (%3.0f%% of the trace)\n",
-           n, b / 1048576 / s, s, r / 1024, 100 * r * 1024 / b }'
 }
 
+# row NAME BYTES: prints the figures of the last best_of against the bare scan's.
+row() {
+  awk -v n="$1" -v b="$2" -v s="$best" -v r="$rss" -v floor="$scan_seconds" 'BEGIN {
+    if (s <= 0) s = 0.01
+    printf "%-26s %7.0f MB/s  %6.2f s  %5.2fx the bare scan  peak %5.0f MB (%.2fx the trace)\n",
+           n, b / 1048576 / s, s, floor / s, r / 1024, r * 1024 / b }'
+}
+
+echo "load before: $(cut -d' ' -f1-3 /proc/loadavg); best of $repeats; $pelicor"
 for format in 9i 19c; do
   trace=$work/bench_$format.trc
-  "$generator" "$trace" "$megabytes" 1 "$format"
+  "$generator" "$trace" "$megabytes" 1 "$format" >/dev/null
+  bytes=$(stat -c %s "$trace")
   cat "$trace" >/dev/null  # into the page cache
-  best_of "report ($format)" "$trace" report "$trace"
-  best_of "xml --aggregate ($format)" "$trace" xml --aggregate "$trace"
-  best_of "xml --calls ($format)" "$trace" xml --calls "$trace" -o "$work/calls.xml"
-  best_of "profile ($format)" "$trace" profile "$trace"
-  best_of "html ($format)" "$trace" html "$trace" -o "$work/page.html"
+  best_of "$trace" "$bare_scan" "$trace"
+  scan_seconds=$best
+  row "bare scan ($format)" "$bytes"
+  best_of "$trace" "$pelicor" report "$trace"
+  row "report ($format)" "$bytes"
+  best_of "$trace" "$pelicor" xml --aggregate "$trace" -o "$work/aggregate.xml"
+  row "xml --aggregate ($format)" "$bytes"
+  best_of "$trace" "$pelicor" xml --calls "$trace" -o "$work/calls.xml"
+  row "xml --calls ($format)" "$bytes"
+  best_of "$trace" "$pelicor" profile "$trace"
+  row "profile ($format)" "$bytes"
+  best_of "$trace" "$pelicor" html "$trace" -o "$work/page.html"
+  row "html ($format)" "$bytes"
   echo "html page ($format): $(stat -c %s "$work/page.html") bytes"
-  rm -f "$trace" "$work/calls.xml" "$work/page.html"
+  rm -f "$trace" "$work/calls.xml" "$work/aggregate.xml" "$work/page.html"
 done
+echo "load after: $(cut -d' ' -f1-3 /proc/loadavg)"

@@ -6,16 +6,17 @@
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include "cli/output.h"
 #include "cli/progress.h"
-#include "cli/scratch_dir.h"
 #include "cli/stream_progress.h"
+#include "parser/aggregated_xml_writer.h"
 #include "parser/call_xml_writer.h"
 #include "parser/output_sink.h"
 #include "parser/trace_parser.h"
-#include "parser/xml_paths.h"
 #include "support/exceptions.h"
 #include "support/os/pending_file.h"
 
@@ -83,11 +84,14 @@ void ParseStream(parser::CTraceParser& parser, const TraceStream& trace, std::ui
   parser.ParseStreamFrom(source, trace.name, offset, flags);
 }
 
-void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) {
-  const parser::DocumentContext context = parser.MakeDocumentContext();
+using WriteDocument = std::function<void(parser::OutputSink& sink)>;
+
+// Writes a document to standard output or, under a temporary name renamed when complete, to
+// the file `output`.
+void WriteOutput(const std::string& output, const WriteDocument& write) {
   if (output.empty()) {
     parser::OutputSink sink(std::cout, parser::LineEnds::kNative);
-    parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+    write(sink);
     sink.Close();
     FinishStandardOutput();
     return;
@@ -96,23 +100,81 @@ void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) 
   if (!sink.OpenFile(output)) {
     throw std::runtime_error("cannot create " + output + ": " + sink.ErrorText());
   }
-  parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+  write(sink);
   if (!sink.Close()) throw std::runtime_error("cannot write " + output + ": " + sink.ErrorText());
 }
 
-// The aggregated writers put their document next to the trace name they are given: give them
-// a name in a scratch directory and hand the document on from there.
+void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) {
+  const parser::DocumentContext context = parser.MakeDocumentContext();
+  WriteOutput(output, [&](parser::OutputSink& sink) {
+    parser::WriteCallXml(parser.ClosedStatements(), context, sink);
+  });
+}
+
+// The call document to the file `output`, written while the trace is read: each statement as
+// soon as no later line can reach it, so that memory stays flat whatever the trace's size. The
+// file takes its name only when the parse and the document are complete: a parse that fails
+// half-way (a trace that reached its size limit) leaves no half document.
+class StreamedCallDocument {
+ public:
+  StreamedCallDocument(parser::CTraceParser& parser, std::string output)
+      : parser_(parser), output_(std::move(output)) {
+    parser_.SetClosedStatementHandler(
+        [this](parser::TraceStatement& statement) { Write(statement); });
+  }
+  ~StreamedCallDocument() { parser_.SetClosedStatementHandler(nullptr); }
+  StreamedCallDocument(const StreamedCallDocument&) = delete;
+  StreamedCallDocument& operator=(const StreamedCallDocument&) = delete;
+
+  // After the parse: the statements it kept, the end, the file's name.
+  void Finish() {
+    for (const auto& statement : parser_.ClosedStatements()) Write(*statement);
+    Start();
+    parser::WriteCallXmlEnd(sink_);
+    if (!sink_.Close()) {
+      throw std::runtime_error("cannot write " + output_ + ": " + sink_.ErrorText());
+    }
+  }
+
+ private:
+  void Start() {
+    if (started_) return;
+    if (!sink_.OpenFile(output_)) {
+      throw std::runtime_error("cannot create " + output_ + ": " + sink_.ErrorText());
+    }
+    context_ = parser_.MakeDocumentContext();
+    parser::WriteCallXmlStart(sink_, context_);
+    started_ = true;
+  }
+  void Write(const parser::TraceStatement& statement) {
+    Start();
+    parser::WriteCallXmlStatement(sink_, statement, context_);
+  }
+
+  parser::CTraceParser& parser_;
+  std::string output_;
+  parser::OutputSink sink_;  // discards the file unless Close() succeeded
+  parser::DocumentContext context_;
+  bool started_ = false;
+};
+
+// The aggregated documents go straight to their target: every check of the library's writers
+// (an empty trace, a name without ".trc", the statement's matches) is made before a byte is
+// written, so a failing job leaves no output, as when the document was made beside the trace.
 void WriteAggregatedDocument(parser::CTraceParser& parser, const std::string& trace, bool sorted,
                              const std::string& output) {
-  ScratchDir scratch;
   const std::string name = std::filesystem::path(trace).filename().string();
-  const std::string scratch_name = (scratch.path() / name).string();
+  const parser::DocumentContext context = parser.MakeDocumentContext();
+  parser::StatementList& closed = parser.ClosedStatements();
   if (sorted) {
-    parser.CreateSortedXML(scratch_name);
+    parser::CheckSortedXml(closed, context, name);
+    WriteOutput(output,
+                [&](parser::OutputSink& sink) { parser::WriteSortedXml(closed, context, sink); });
   } else {
-    parser.CreateTkprofXML(scratch_name);
+    parser::CheckTkprofXml(closed, name);
+    WriteOutput(output,
+                [&](parser::OutputSink& sink) { parser::WriteTkprofXml(closed, context, sink); });
   }
-  DeliverFile(parser::AggregatedXmlPath(scratch_name), output);
 }
 
 }  // namespace
@@ -160,6 +222,7 @@ void Doing(const std::string& what, Step&& step) {
 
 void Report(const std::string& trace, const ParseInput& parse, const ReportJob& job) {
   ParseSetup setup(job.sort, job.parse);
+  setup.parser.SetSummaryOnly(true);  // the report reads no call, bind or wait record
   Doing("parsing " + trace, [&] { parse(setup.parser, 0); });
   Doing("writing the report of " + trace, [&] {
     setup.parser.SortClosedStatements();
@@ -168,10 +231,28 @@ void Report(const std::string& trace, const ParseInput& parse, const ReportJob& 
   FinishStandardOutput();
 }
 
+// Without sorting or merging, a call document for a file is written as the trace is read.
+bool StreamsCallDocument(const XmlJob& job, const ParseSetup& setup) {
+  return job.Kind() == XmlKind::kCalls && !job.output.empty() && !setup.sort && !job.parse.merge;
+}
+
+void StreamCalls(const std::string& trace, const ParseInput& parse, const XmlJob& job,
+                 ParseSetup& setup) {
+  StreamedCallDocument document(setup.parser, job.output);
+  Doing("parsing " + trace, [&] { parse(setup.parser, ParseFlags(job)); });
+  Doing("writing the document of " + trace, [&] { document.Finish(); });
+}
+
 // `trace` names the trace: the aggregated documents are named after it.
 void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
   ParseSetup setup(job.sort, job.parse);
+  if (StreamsCallDocument(job, setup)) {
+    StreamCalls(trace, parse, job, setup);
+    return;
+  }
   if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
+  // The aggregated documents read no call, bind or wait record: keep none.
+  setup.parser.SetSummaryOnly(job.Kind() != XmlKind::kCalls);
   Doing("parsing " + trace,
         [&] { parse(setup.parser, job.Kind() == XmlKind::kCalls ? ParseFlags(job) : 0); });
   Doing("writing the document of " + trace, [&] {

@@ -25,6 +25,8 @@ void CPelicor::ParseWholeTrace(const std::string& file_name, std::uint16_t isAgg
   // A name without ".trc" ends the call here, before anything is read or written.
   *outputXML = XmlFileName(file_name);
   parser.SetOutputDirectory(working_dir_);
+  // The aggregated document alone reads no call, bind or wait record: keep none.
+  parser.SetSummaryOnly(xmlType == kAggregatedXml);
   parse(parser);
   if (sort_options_) parser.SortClosedStatements();
   WriteDocuments(parser, file_name, xmlType);

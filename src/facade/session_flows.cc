@@ -10,6 +10,7 @@ int CPelicor::ZantivGetTraceInfo(const char* statement_id, const char* OraVer, s
   return RunMethod(msg, [&] {
     parser::CTraceParser parser(Text(statement_id), Text(OraVer));
     parser.SetOutputDirectory(working_dir_);
+    parser.SetSummaryOnly(true);  // the sorted document reads no call, bind or wait record
     switch (transport_kind_) {
       case kFtp:
         ParseSessionTraceOverFtp(parser);

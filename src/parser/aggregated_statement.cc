@@ -56,10 +56,14 @@ void WriteWaitRow(OutputSink& out, std::string_view name, double elapsed) {
 
 void WriteWaits(OutputSink& out, const TraceStatement& statement, AggregatedStyle style,
                 std::int64_t time_divisor) {
-  if (statement.waits.empty()) return;
+  if (statement.waits.empty() && statement.wait_count == 0) return;
   std::array<double, kWaitClassCount> sums{};
-  for (const WaitRecord& wait : statement.waits) {
-    sums[WaitClassOf(wait.nam)] += static_cast<double>(wait.ela);
+  if (statement.waits.empty()) {
+    sums = statement.wait_sums;  // a summary-only parse summed them as it read them
+  } else {
+    for (const WaitRecord& wait : statement.waits) {
+      sums[WaitClassOf(wait.nam)] += static_cast<double>(wait.ela);
+    }
   }
   double total = 0;
   for (const double sum : sums) total += sum;

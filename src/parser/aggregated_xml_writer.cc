@@ -34,7 +34,50 @@ std::string OpenDocument(OutputSink& out, const DocumentContext& context,
   return path;
 }
 
+constexpr const char* kNoTraceInfo = "Trace parser did not find the parsed trace info!";
+constexpr const char* kNoTraceInfoSorted =
+    "Trace parser did not find the parsed trace info! Please check if the trace file has "
+    "reached max_dump_file_size.";
+constexpr const char* kNoStatementId =
+    "Trace parser did not find a SQL with given statement id! Please check if the trace file has "
+    "reached max_dump_file_size.";
+constexpr const char* kNoMatch =
+    "Trace parser did not find a SQL with the statement id! Please check if the trace file has "
+    "reached max_dump_file_size.";
+constexpr const char* kManyMatches =
+    "Trace parser did not find a unique SQL with the statement id!";
+
+int CountMatches(const StatementList& closed, const std::string& statement_id) {
+  int matches = 0;
+  for (const auto& statement : closed) {
+    if (statement->SqlText().find(statement_id) != std::string::npos) ++matches;
+  }
+  return matches;
+}
+
+void CheckMatches(int matches) {
+  if (matches == 0) Fail("CreateXML", kNoMatch);
+  if (matches > 1) Fail("CreateXML", kManyMatches);
+}
+
+void CheckSortedInput(const StatementList& closed, const DocumentContext& context) {
+  if (closed.empty()) Fail("CreateSortedXML", kNoTraceInfoSorted);
+  if (context.statement_id.empty()) Fail("CreateSortedXML", kNoStatementId);
+}
+
 }  // namespace
+
+void CheckTkprofXml(const StatementList& closed, const std::string& file_name) {
+  if (closed.empty()) Fail("CreateSortedXML", kNoTraceInfo);
+  if (!HasTraceExtension(file_name)) Fail("CreateSortedXML", kInvalidName);
+}
+
+void CheckSortedXml(const StatementList& closed, const DocumentContext& context,
+                    const std::string& file_name) {
+  CheckSortedInput(closed, context);
+  if (!HasTraceExtension(file_name)) Fail("CreateSortedXML", kInvalidName);
+  CheckMatches(CountMatches(closed, context.statement_id));
+}
 
 std::int64_t AggregatedTimeDivisor(int oracle_major_version) {
   return oracle_major_version < 9 ? 100 : 1000000;
@@ -64,7 +107,7 @@ int WriteSortedXml(StatementList& closed, const DocumentContext& context, Output
 
 void WriteTkprofXml(StatementList& closed, const DocumentContext& context, std::string file_name,
                     std::int64_t* time_divisor) {
-  if (closed.empty()) Fail("CreateSortedXML", "Trace parser did not find the parsed trace info!");
+  if (closed.empty()) Fail("CreateSortedXML", kNoTraceInfo);
   OutputSink out;
   const std::string path = OpenDocument(out, context, file_name, "CreateTkprofXML", time_divisor);
   WriteTkprofXml(closed, context, out);
@@ -73,28 +116,13 @@ void WriteTkprofXml(StatementList& closed, const DocumentContext& context, std::
 
 void WriteSortedXml(StatementList& closed, const DocumentContext& context, std::string file_name,
                     std::int64_t* time_divisor) {
-  if (closed.empty()) {
-    Fail("CreateSortedXML",
-         "Trace parser did not find the parsed trace info! Please check if the trace file has "
-         "reached max_dump_file_size.");
-  }
-  if (context.statement_id.empty()) {
-    Fail("CreateSortedXML",
-         "Trace parser did not find a SQL with given statement id! Please check if the trace "
-         "file has reached max_dump_file_size.");
-  }
+  CheckSortedInput(closed, context);
   OutputSink out;
   const std::string path = OpenDocument(out, context, file_name, "CreateXML", time_divisor);
   const int matches = WriteSortedXml(closed, context, out);
   // The match failures below leave the complete document in place.
   FinishDocument(out, path, "CreateXML");
-  if (matches == 0) {
-    Fail("CreateXML",
-         "Trace parser did not find a SQL with the statement id! Please check if the trace file "
-         "has reached max_dump_file_size.");
-  }
-  if (matches > 1)
-    Fail("CreateXML", "Trace parser did not find a unique SQL with the statement id!");
+  CheckMatches(matches);
 }
 
 }  // namespace parser

@@ -42,6 +42,13 @@ void WriteTkprofXml(StatementList& closed, const DocumentContext& context, std::
 void WriteSortedXml(StatementList& closed, const DocumentContext& context, std::string file_name,
                     std::int64_t* time_divisor = nullptr);
 
+// For a caller that writes the document into its own sink (the command's -o): every check of
+// the forms above, with their exceptions, before anything is written. For the sorted document
+// that includes the match failures, which the form above raises after writing.
+void CheckTkprofXml(const StatementList& closed, const std::string& file_name);
+void CheckSortedXml(const StatementList& closed, const DocumentContext& context,
+                    const std::string& file_name);
+
 // The documents themselves, into `out`, without the checks of the forms above; the sorted one
 // answers how many statements matched.
 void WriteTkprofXml(StatementList& closed, const DocumentContext& context, OutputSink& out);

@@ -227,7 +227,7 @@ void WriteStatDataStart(OutputSink& out, const StatRecord& stat) {
   out.WriteXmlEscaped(stat.op);
 }
 
-void WriteCallXml(const StatementList& closed, const DocumentContext& context, OutputSink& out) {
+void WriteCallXmlStart(OutputSink& out, const DocumentContext& context) {
   out.Write("<?xml version=\"1.0\" encoding=\"UTF-8\"?><STATEMENTS tim=\"");
   // As the trace line had it, line end included; escaped, so that no byte of it can end the
   // attribute (a clean timestamp is written unchanged).
@@ -235,12 +235,23 @@ void WriteCallXml(const StatementList& closed, const DocumentContext& context, O
   out.Write("\" FirstParseInCursorTim=\"");
   out.WriteInt(context.first_cursor_time);
   out.Write("\">\n");
-  for (const auto& statement : closed) {
-    // A parse error's header is empty (dep -1), so top-level-only leaves parse errors out too.
-    if (context.top_level_only && statement->header.dep != 0) continue;
-    WriteStatement(out, *statement, context);
-  }
+}
+
+void WriteCallXmlStatement(OutputSink& out, const TraceStatement& statement,
+                           const DocumentContext& context) {
+  // A parse error's header is empty (dep -1), so top-level-only leaves parse errors out too.
+  if (context.top_level_only && statement.header.dep != 0) return;
+  WriteStatement(out, statement, context);
+}
+
+void WriteCallXmlEnd(OutputSink& out) {
   out.Write("</STATEMENTS>\n");
+}
+
+void WriteCallXml(const StatementList& closed, const DocumentContext& context, OutputSink& out) {
+  WriteCallXmlStart(out, context);
+  for (const auto& statement : closed) WriteCallXmlStatement(out, *statement, context);
+  WriteCallXmlEnd(out);
 }
 
 void WriteCallXml(const StatementList& closed, const DocumentContext& context,

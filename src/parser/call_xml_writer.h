@@ -32,6 +32,14 @@ void WriteCallXml(const StatementList& closed, const DocumentContext& context,
 // The document itself, into `out`.
 void WriteCallXml(const StatementList& closed, const DocumentContext& context, OutputSink& out);
 
+// The same document in three parts, for a writer that receives the statements one by one: the
+// start (which reads the session timestamp and the first cursor time of `context`), each
+// statement in turn, the end.
+void WriteCallXmlStart(OutputSink& out, const DocumentContext& context);
+void WriteCallXmlStatement(OutputSink& out, const TraceStatement& statement,
+                           const DocumentContext& context);
+void WriteCallXmlEnd(OutputSink& out);
+
 // The attributes every STATDATA row starts with, up to the escaped op text, whose closing quote
 // is the caller's: <STATDATA id="2" cnt="14" pid="1" pos="1" obj="31" op="TABLE ACCESS FULL EMP
 // (the aggregated documents write the same row and may add attributes behind op).

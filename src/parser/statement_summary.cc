@@ -3,11 +3,12 @@
 namespace parser {
 
 std::int32_t FirstParseMisses(const TraceStatement& statement) {
-  return statement.parse_calls.empty() ? 0 : statement.parse_calls.front().mis;
+  return statement.parse_calls.empty() ? statement.first_parse_mis
+                                       : statement.parse_calls.front().mis;
 }
 
 std::int32_t FirstExecGoal(const TraceStatement& statement) {
-  return statement.exec_calls.empty() ? -1 : statement.exec_calls.front().og;
+  return statement.exec_calls.empty() ? statement.first_exec_og : statement.exec_calls.front().og;
 }
 
 std::string_view OptimizerGoalName(std::int32_t goal) {

@@ -17,22 +17,46 @@ void Compact(TraceStatement& statement) {
   statement.fetch_calls.shrink_to_fit();
 }
 
-void MoveToClosed(StatementList& open, StatementList::iterator at, StatementList& closed) {
-  Compact(**at);
-  closed.splice(closed.end(), open, at);
+}  // namespace
+
+void StatementTable::IndexLast() {
+  const auto last = std::prev(open_.end());
+  if (!first_open_.emplace((*last)->cursor, last).second) ++unindexed_;
 }
 
-}  // namespace
+void StatementTable::Unindex(StatementList::iterator at) {
+  const CursorNo cursor = (*at)->cursor;
+  const auto entry = first_open_.find(cursor);
+  if (entry == first_open_.end() || entry->second != at) {
+    if (unindexed_ > 0) --unindexed_;
+    return;
+  }
+  if (unindexed_ > 0) {
+    const auto next = std::find_if(std::next(at), open_.end(), [cursor](const auto& statement) {
+      return statement->cursor == cursor;
+    });
+    if (next != open_.end()) {
+      entry->second = next;
+      --unindexed_;
+      return;
+    }
+  }
+  first_open_.erase(entry);
+}
+
+void StatementTable::MoveToClosed(StatementList::iterator at) {
+  Unindex(at);
+  Compact(**at);
+  closed_.splice(closed_.end(), open_, at);
+}
 
 TraceStatement* StatementTable::ForCursor(CursorNo cursor) {
   if (cache_set_ && cursor == cached_cursor_) return cached_;
-  for (auto& statement : open_) {
-    if (statement->cursor == cursor) {
-      Cache(cursor, statement.get());
-      return statement.get();
-    }
-  }
-  return nullptr;
+  const auto entry = first_open_.find(cursor);
+  if (entry == first_open_.end()) return nullptr;
+  TraceStatement* statement = entry->second->get();
+  Cache(cursor, statement);
+  return statement;
 }
 
 void StatementTable::Cache(CursorNo cursor, TraceStatement* statement) {
@@ -46,35 +70,42 @@ TraceStatement* StatementTable::OpenNew(CursorNo cursor) {
   statement->sequence = counter_++;
   statement->cursor = cursor;
   open_.push_back(std::move(statement));
+  IndexLast();
   return open_.back().get();
 }
 
 void StatementTable::CloseCursor(CursorNo cursor) {
-  const auto at = std::find_if(open_.begin(), open_.end(), [cursor](const auto& statement) {
-    return statement->cursor == cursor;
-  });
-  if (at != open_.end()) MoveToClosed(open_, at, closed_);
+  const auto entry = first_open_.find(cursor);
+  if (entry != first_open_.end()) MoveToClosed(entry->second);
 }
 
 std::size_t StatementTable::CloseFirst(std::int64_t n) {
   for (std::int64_t moved = 0; moved < n && !open_.empty(); ++moved) {
-    MoveToClosed(open_, open_.begin(), closed_);
+    MoveToClosed(open_.begin());
   }
   return open_.size();
 }
 
 void StatementTable::CloseAll() {
-  while (!open_.empty()) MoveToClosed(open_, open_.begin(), closed_);
+  while (!open_.empty()) MoveToClosed(open_.begin());
 }
 
 TraceStatement* StatementTable::ReopenBySqlText(std::string_view text) {
   for (auto at = closed_.begin(); at != closed_.end(); ++at) {
     if ((*at)->header.text.size() == text.size() && (*at)->header.text == text) {
       open_.splice(open_.end(), closed_, at);
+      IndexLast();
       return open_.back().get();
     }
   }
   return nullptr;
+}
+
+void StatementTable::RenumberLast(CursorNo cursor) {
+  const auto last = std::prev(open_.end());
+  Unindex(last);
+  (*last)->cursor = cursor;
+  IndexLast();
 }
 
 void StatementTable::ClearClosed() {

@@ -2,6 +2,12 @@
 // closed list (in order of closing; what the writers read), with the lookup of a statement by
 // cursor number behind a one-entry cache.
 //
+// Cursor numbers are looked up through a hash index of the open list (a shared-server trace or a
+// cursor leak keeps a million cursors open at once). The index holds, for each cursor, the first
+// open statement with it; a second open statement with the same number (which a parse only makes
+// when statements are put in by hand) is counted, and looked for in the list when the first one
+// closes, so the answers are those of a search of the open list from its front.
+//
 // The cache is deliberately not cleared when statements close: after a close, lines for the
 // cached cursor still go to that statement, now in the closed list. Only emptying the closed
 // list forgets a cached statement that it destroys.
@@ -12,6 +18,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 
 #include "parser/trace_statement.h"
 
@@ -23,6 +30,10 @@ class StatementTable {
   // first open statement with that cursor (which then becomes the cached one), else null.
   TraceStatement* ForCursor(CursorNo cursor);
   void Cache(CursorNo cursor, TraceStatement* statement);
+  // True when `statement` is the cached one: closed or not, it may still receive lines.
+  bool IsCached(const TraceStatement* statement) const {
+    return cache_set_ && cached_ == statement;
+  }
 
   // A new statement with the next sequence number, appended to the open list.
   TraceStatement* OpenNew(CursorNo cursor);
@@ -37,6 +48,8 @@ class StatementTable {
   // Moves the first closed statement whose header SQL text equals `text` to the end of the open
   // list and returns it; null when there is none.
   TraceStatement* ReopenBySqlText(std::string_view text);
+  // Gives the last open statement (the one just reopened) the cursor number `cursor`.
+  void RenumberLast(CursorNo cursor);
 
   // Destroys every closed statement.
   void ClearClosed();
@@ -48,7 +61,14 @@ class StatementTable {
   std::int64_t statements_made() const { return counter_; }
 
  private:
+  // Appends the last open statement to the index; takes one out of it before it leaves the list.
+  void IndexLast();
+  void Unindex(StatementList::iterator at);
+  void MoveToClosed(StatementList::iterator at);
+
   StatementList open_;
+  std::unordered_map<CursorNo, StatementList::iterator> first_open_;
+  std::size_t unindexed_ = 0;  // open statements behind another one with the same cursor
   StatementList closed_;
   bool cache_set_ = false;
   CursorNo cached_cursor_ = 0;

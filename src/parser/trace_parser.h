@@ -20,6 +20,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "parser/document_context.h"
 #include "parser/line_source.h"
@@ -29,6 +30,7 @@
 #include "parser/sort_options.h"
 #include "parser/statement_table.h"
 #include "parser/trace_statement.h"
+#include "parser/wait_classes.h"
 
 namespace parser {
 
@@ -82,6 +84,18 @@ class CTraceParser {
   // one that holds `marker` (the host wrote it into the trace when it started its work).
   virtual void ParseDatabaseReader(LineSource& reader, const std::string& name,
                                    const std::string& marker);
+
+  // Takes each closed statement that no later line can reach, in closing order, during a
+  // whole-input parse (Parse, ParseFrom, ParseStream...), once the session timestamp and the
+  // first cursor time are known; the statement is destroyed when the call returns, and those
+  // still closed at the end of the parse stay in the closed list. Not while merging identical
+  // SQL (a closed statement may be continued) nor in batches. A closed statement stays reachable
+  // while it is the cached statement of its cursor. For a call document written as the trace
+  // is read, whose memory then stays flat whatever the trace's size. Null: keep all (default).
+  using ClosedStatementHandler = std::function<void(TraceStatement& statement)>;
+  void SetClosedStatementHandler(ClosedStatementHandler handler) {
+    closed_handler_ = std::move(handler);
+  }
 
   // Called with the number of bytes of a local file read so far, once for each block read.
   using ProgressCallback = std::function<void(std::uint64_t bytes_read)>;
@@ -144,6 +158,12 @@ class CTraceParser {
   // The aggregated flag of the parse methods is TKPROF's aggregate=yes: merge identical SQL.
   void SetAggregated(bool aggregated) { merge_identical_sql_ = aggregated; }
   bool IsAggregated() const { return merge_identical_sql_; }
+  // Summary only: statements keep what the aggregated documents, the sort step and the text
+  // report read (totals, the first PARSE's mis, the first EXEC's og, wait sums per class, STAT
+  // rows, SQL text) and no call, bind or wait records, which the call-by-call document would
+  // need. A trace then takes a fraction of the memory. Off by default.
+  void SetSummaryOnly(bool summary_only) { summary_only_ = summary_only; }
+  bool SummaryOnly() const { return summary_only_; }
   void SetMergeIdenticalSql(bool merge) { merge_identical_sql_ = merge; }
   bool MergeIdenticalSql() const { return merge_identical_sql_; }
   // Reads "%d.%d.%d.%d.%d"; numbers not reached keep their values.
@@ -241,6 +261,12 @@ class CTraceParser {
   void ReadNewerBinds(TraceStatement* statement, CursorNo cursor, std::int32_t bind_set,
                       std::string_view line);
   void SetFlags(std::uint8_t flags);
+  // Hands the closed statements that are final to closed_handler_ (see its setter).
+  void HandOverClosed();
+  // Files a wait under `statement`: its record, or in a summary-only parse its ela in the sum of
+  // its class.
+  void FileWait(TraceStatement& statement, WaitRecord& wait);
+  WaitClass ClassOfInterned(std::string_view name);
   bool SourceAtEnd() const;
   // Whole-input forms: reads to the end of the source, then closes every statement.
   void ParseToEnd();
@@ -284,7 +310,13 @@ class CTraceParser {
   std::string_view line_buffer_;
   bool line_may_mark_limit_ = true;
   NamePool wait_names_;
+  bool summary_only_ = false;
+  // The class of each interned wait name, by the address of the pool's copy.
+  std::unordered_map<const char*, WaitClass> wait_classes_;
+  const char* last_wait_name_ = nullptr;
+  WaitClass last_wait_class_ = kOther;
   ProgressCallback progress_;
+  ClosedStatementHandler closed_handler_;
   std::uint64_t reported_position_ = 0;
 };
 

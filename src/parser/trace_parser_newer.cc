@@ -89,7 +89,9 @@ void CTraceParser::ReadNewerBinds(TraceStatement* statement, CursorNo cursor, st
   const DispatchState state{session_timestamp_taken_, skip_binds_, skip_waits_};
   NewerBind bind;
   const auto finish = [&] {
-    if (bind.open && statement != nullptr) statement->binds.push_back(std::move(bind.record));
+    if (bind.open && statement != nullptr && !summary_only_) {
+      statement->binds.push_back(std::move(bind.record));
+    }
     bind = NewerBind{};
   };
   for (bool have_line = true; have_line; have_line = NextLine(&line)) {
@@ -114,14 +116,15 @@ void CTraceParser::ReadNewerBinds(TraceStatement* statement, CursorNo cursor, st
         ScanBindPositionLine(line, &bind.record);
         bind.open = true;
         break;
+      // A summary-only parse keeps no bind record: these lines only have to be stepped over.
       case NewerBindLine::kType:
-        ScanBindTypeLine(line, &bind.record);
+        if (!summary_only_) ScanBindTypeLine(line, &bind.record);
         break;
       case NewerBindLine::kFlags:
-        ScanBindFlagsLine(line, &bind.record);
+        if (!summary_only_) ScanBindFlagsLine(line, &bind.record);
         break;
       case NewerBindLine::kBuffer:
-        ScanBindAddressLine(line, &bind.record);
+        if (!summary_only_) ScanBindAddressLine(line, &bind.record);
         break;
       case NewerBindLine::kValue:
         bind.value_open = ScanNewerBindValue(line, &bind.record);

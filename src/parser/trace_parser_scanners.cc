@@ -21,6 +21,21 @@ std::int64_t WrappingAdd(std::int64_t a, std::int64_t b) {
 
 void CTraceParser::DispatchLine(std::string_view line) {
   while (DispatchOnce(line)) line = line_buffer_;
+  if (closed_handler_ && !table_.closed().empty()) HandOverClosed();
+}
+
+void CTraceParser::HandOverClosed() {
+  // The document's start needs both figures; merging may continue any closed statement; a batch
+  // counts its closed statements.
+  if (!session_timestamp_taken_ || first_cursor_time_pending_ || merge_identical_sql_ ||
+      statement_limit_ != 0) {
+    return;
+  }
+  StatementList& closed = table_.closed();
+  while (!closed.empty() && !table_.IsCached(closed.front().get())) {
+    closed_handler_(*closed.front());
+    closed.pop_front();
+  }
 }
 
 bool CTraceParser::DispatchOnce(std::string_view line) {
@@ -119,7 +134,11 @@ void CTraceParser::ScanParse(std::string_view line) {
   NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
-    statement->parse_calls.push_back(call);
+    if (!summary_only_) {
+      statement->parse_calls.push_back(call);
+    } else if (statement->totals[kParseTotals].count == 0) {
+      statement->first_parse_mis = call.mis;
+    }
     statement->totals[kParseTotals].Add(counted);
   }
 }
@@ -132,7 +151,11 @@ void CTraceParser::ScanExec(std::string_view line) {
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
     call.exebnd = statement->bind_set_count - 1;
-    statement->exec_calls.push_back(call);
+    if (!summary_only_) {
+      statement->exec_calls.push_back(call);
+    } else if (statement->totals[kExecTotals].count == 0) {
+      statement->first_exec_og = call.og;
+    }
     statement->totals[kExecTotals].Add(counted);
   }
 }
@@ -144,7 +167,7 @@ void CTraceParser::ScanFetch(std::string_view line) {
   NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
   if (TraceStatement* statement = StatementForCursor(call.cursor)) {
-    statement->fetch_calls.push_back(call);
+    if (!summary_only_) statement->fetch_calls.push_back(call);
     statement->totals[kFetchTotals].Add(counted);
   }
 }
@@ -177,7 +200,12 @@ void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
   CloseCursor(cursor);
   TraceStatement* statement = merge_identical_sql_ ? ReopenBySqlText(header.text) : nullptr;
   if (statement != nullptr) {
-    statement->cursor = cursor;  // the header stays the one first seen
+    // The header stays the one first seen.
+    if (!table_.open().empty() && table_.open().back().get() == statement) {
+      table_.RenumberLast(cursor);
+    } else {
+      statement->cursor = cursor;
+    }
     statement->cursor_known = header.cursor_known;
     statement->cursor_negative = header.cursor_negative;
   } else {
@@ -228,10 +256,29 @@ void CTraceParser::ScanWait(std::string_view line) {
     wait.tim = WrappingAdd(current_time_, wait.ela);
   }
   current_time_ = wait.tim;
-  if (TraceStatement* statement = StatementForCursor(wait.cursor)) {
-    wait.nam = wait_names_.Intern(wait.nam);
-    statement->waits.push_back(wait);
+  if (TraceStatement* statement = StatementForCursor(wait.cursor)) FileWait(*statement, wait);
+}
+
+void CTraceParser::FileWait(TraceStatement& statement, WaitRecord& wait) {
+  wait.nam = wait_names_.Intern(wait.nam);
+  if (!summary_only_) {
+    statement.waits.push_back(wait);
+    return;
   }
+  ++statement.wait_count;
+  statement.wait_sums[ClassOfInterned(wait.nam)] += static_cast<double>(wait.ela);
+}
+
+// Event names are few: each is classified once, by the address of its pooled copy.
+WaitClass CTraceParser::ClassOfInterned(std::string_view name) {
+  if (name.data() != last_wait_name_) {
+    const auto known = wait_classes_.find(name.data());
+    last_wait_class_ = known != wait_classes_.end()
+                           ? known->second
+                           : wait_classes_.emplace(name.data(), WaitClassOf(name)).first->second;
+    last_wait_name_ = name.data();
+  }
+  return last_wait_class_;
 }
 
 // BINDS #2:
@@ -267,20 +314,21 @@ void CTraceParser::ScanBinds(std::string_view line) {
     bind.cursor = cursor;
     bind.bind_set = bind_set;
     have_line = ReadBind(&in_hand, &bind);
-    if (statement != nullptr) statement->binds.push_back(std::move(bind));
+    if (statement != nullptr && !summary_only_) statement->binds.push_back(std::move(bind));
   }
   line_buffer_ = {};
 }
 
+// A summary-only parse keeps no bind record: it only steps over the bind's lines.
 bool CTraceParser::ReadBind(std::string_view* line, BindRecord* bind) {
-  ScanBindDefinitionLine(*line, bind);
+  if (!summary_only_) ScanBindDefinitionLine(*line, bind);
   if (!NextLine(line)) return false;
   if (Contains(*line, "bfp")) {
-    ScanBindBufferLine(*line, bind);
+    if (!summary_only_) ScanBindBufferLine(*line, bind);
     if (!NextLine(line)) return false;
   }
   if (!Contains(*line, "value")) return true;
-  ScanBindValueLine(*line, bind);
+  if (!summary_only_) ScanBindValueLine(*line, bind);
   return NextLine(line);
 }
 

@@ -11,6 +11,7 @@
 
 #include "parser/call_totals.h"
 #include "parser/records.h"
+#include "parser/wait_classes.h"
 
 namespace parser {
 
@@ -39,6 +40,13 @@ struct TraceStatement {
   std::int32_t bind_set_count = 0;
   bool cursor_known = false;     // `cursor` came from a line (see kNoCursor)
   bool cursor_negative = false;  // and was below 0 there
+
+  // What a summary-only parse keeps in place of the call and wait records (see
+  // CTraceParser::SetSummaryOnly); a full parse leaves these at their start values.
+  std::int32_t first_parse_mis = 0;  // mis of the first PARSE call
+  std::int32_t first_exec_og = -1;   // og of the first EXEC call
+  std::int64_t wait_count = 0;
+  std::array<double, kWaitClassCount> wait_sums{};  // ela summed per wait class, in trace order
 
   // The SQL text the statement stands for: the header's, or the parse error's.
   const std::string& SqlText() const { return is_parse_error ? parse_error.text : header.text; }

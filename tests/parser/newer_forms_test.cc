@@ -62,6 +62,10 @@ TEST(NewerForms, WaitParametersByPositionWhateverTheirNames) {
       {"ela= 9 handle address=-4288151550 p2=x p3=3 obj#=1 tim=8", true, -4288151550, 0, 3, 8},
       {"ela= 5 file#=4 block#=12 blocks=1 obj#=75\n", false, -9, -9, -9, -9},  // cut short
       {"ela= 40330 p1=4 p2=5148 p3=5\n", false, -9, -9, -9, -9},               // 10.1
+      // The last " tim=" and the last " obj#=" before it count; at the very start too.
+      {"ela= 3 a=1 b=2 c=3 tim=4 obj#=5 tim=6\n", true, 1, 2, 3, 6},
+      {" tim=7", true, 0, 0, 0, 7},
+      {"tim=7", false, -9, -9, -9, -9},
   };
   for (const auto& test : cases) {
     parser::WaitRecord wait;

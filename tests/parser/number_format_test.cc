@@ -53,6 +53,23 @@ TEST(NumberFormat, Fixed2MatchesPrintf) {
     std::memcpy(&value, &bits, sizeof value);
     if (!std::isnan(value)) values.push_back(value);
   }
+  // Hundredths and near-ties at every magnitude the figures reach, on both sides of the limit
+  // where formatting leaves the scaled-integer path, and the neighbours of each.
+  for (double magnitude = 1; magnitude < 1e14; magnitude *= 10) {
+    for (int i = 0; i < 2000; ++i) {
+      const double base = magnitude * static_cast<double>(random() % 1000) / 7 +
+                          static_cast<double>(random() % 1000) / 1000 + 0.005;
+      for (const double value : {base, std::nextafter(base, 0.0), std::nextafter(base, 1e300)}) {
+        values.push_back(value);
+        values.push_back(-value);
+      }
+    }
+  }
+  for (const double limit : {10995116277.76, 10995116277.755, 10995116277.765}) {
+    values.push_back(limit);
+    values.push_back(std::nextafter(limit, 0.0));
+    values.push_back(std::nextafter(limit, 1e300));
+  }
   for (const double value : values) {
     for (const int width : {0, 8, 10}) ExpectLikePrintf(value, width);
   }

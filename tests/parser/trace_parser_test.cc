@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../support/raised.h"
+#include "parser/statement_table.h"
 #include "parser_fixture.h"
 
 namespace {
@@ -79,6 +80,66 @@ TEST(CTraceParser, MergeIdenticalSqlContinuesTheClosedStatement) {
   parser::CTraceParser plain;
   plain.Parse(file.path(), 0);
   EXPECT_EQ(Sequences(plain.ClosedStatements()), (std::vector<std::int64_t>{0, 1, 2}));
+}
+
+// A reopened statement answers to its new cursor only: a later header on that cursor closes
+// it, and lines of its old cursor no longer reach it.
+TEST(CTraceParser, ReopenedStatementMovesToItsNewCursor) {
+  const std::string text =
+      CursorBlock(1, "select 1 from dual") + CursorBlock(1, "select 2 from dual") +
+      CursorBlock(7, "select 1 from dual") + CursorBlock(3, "select 3 from dual") +
+      "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=5\n" +
+      CursorBlock(7, "select 4 from dual") +
+      "EXEC #3:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=6\n";
+  const TempFile file(text);
+  parser::CTraceParser merged;
+  merged.SetMergeIdenticalSql(true);
+  merged.Parse(file.path(), 0);
+  EXPECT_EQ(SqlTexts(merged.ClosedStatements()),
+            (Texts{"select 1 from dual\n", "select 2 from dual\n", "select 3 from dual\n",
+                   "select 4 from dual\n"}));
+  std::vector<std::size_t> execs;
+  for (const auto& statement : merged.ClosedStatements()) {
+    execs.push_back(statement->exec_calls.size());
+  }
+  EXPECT_EQ(execs, (std::vector<std::size_t>{0, 1, 1, 0}));
+}
+
+// Shared-server traces and cursor leaks keep hundreds of thousands of cursors open at once;
+// each lookup finds its statement without walking the others (a search of the open list took
+// hours here). A million distinct cursor numbers, 125000 open at a time.
+TEST(StatementTable, AMillionDistinctCursorsFindTheirStatements) {
+  constexpr parser::CursorNo kFirst = 140736410372616;  // cursors are addresses from 11.2.0.2 on
+  constexpr std::size_t kOpenAtOnce = 125000;
+  constexpr std::size_t kRounds = 8;
+  parser::StatementTable table;
+  std::size_t mismatched = 0;
+  for (std::size_t round = 0; round < kRounds; ++round) {
+    const parser::CursorNo base = kFirst + round * kOpenAtOnce * 8;
+    for (std::size_t i = 0; i < kOpenAtOnce; ++i) table.OpenNew(base + i * 8);
+    // Last opened first: the order a search from the front of the open list finds slowest.
+    for (std::size_t i = kOpenAtOnce; i-- > 0;) {
+      const parser::TraceStatement* found = table.ForCursor(base + i * 8);
+      if (found == nullptr || found->cursor != base + i * 8 ||
+          found->sequence != static_cast<std::int64_t>(round * kOpenAtOnce + i)) {
+        ++mismatched;
+      }
+    }
+    if (table.ForCursor(base + 4) != nullptr) ++mismatched;  // never opened
+    // Close every other one by cursor, the rest oldest first.
+    for (std::size_t i = 0; i < kOpenAtOnce; i += 2) table.CloseCursor(base + i * 8);
+    if (table.open().size() != kOpenAtOnce / 2) ++mismatched;
+    table.Cache(0, nullptr);  // so that the next lookup asks the index
+    if (table.ForCursor(base) != nullptr || table.ForCursor(base + 8) == nullptr) ++mismatched;
+    table.CloseAll();
+    if (table.closed().size() != kOpenAtOnce ||
+        table.closed().back()->cursor != base + (kOpenAtOnce - 1) * 8) {
+      ++mismatched;
+    }
+    table.ClearClosed();
+  }
+  EXPECT_EQ(mismatched, 0u);
+  EXPECT_EQ(table.statements_made(), static_cast<std::int64_t>(kOpenAtOnce * kRounds));
 }
 
 TEST(CTraceParser, ParseErrorMakesAStatementOfItsOwn) {
