@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <stdexcept>
 
+#include "cli/password_file.h"
 #include "db/db_session.h"
 #include "support/exceptions.h"
 #include "transport/utl/diag_trace_reader.h"
@@ -35,15 +35,7 @@ Account SplitConnect(const std::string& text) {
 }  // namespace
 
 std::string DbPassword(const std::string& password_file) {
-  if (!password_file.empty()) {
-    std::ifstream in(password_file);
-    std::string line;
-    if (!in || (!std::getline(in, line) && !in.eof())) {
-      throw std::runtime_error("cannot read the password file " + password_file);
-    }
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    return line;
-  }
+  if (!password_file.empty()) return ReadPasswordFile(password_file);
   if (const char* password = std::getenv(kPasswordVariable)) return password;
   throw std::runtime_error(std::string("no database password: give --password-file FILE or set ") +
                            kPasswordVariable);

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -10,6 +9,7 @@
 #include <type_traits>
 
 #include "cli/output.h"
+#include "cli/password_file.h"
 #include "cli/progress.h"
 #include "cli/scratch_dir.h"
 #include "cli/trace_jobs.h"
@@ -31,15 +31,7 @@ struct Connection {
 // The first line of the password file, or --password, or the environment's; empty when none is
 // given (keys alone may do).
 std::string Password(const Connection& connection) {
-  if (!connection.password_file.empty()) {
-    std::ifstream in(connection.password_file);
-    std::string line;
-    if (!in || (!std::getline(in, line) && !in.eof())) {
-      throw std::runtime_error("cannot read the password file " + connection.password_file);
-    }
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    return line;
-  }
+  if (!connection.password_file.empty()) return ReadPasswordFile(connection.password_file);
   if (!connection.password.empty()) return connection.password;
   const char* password = std::getenv(kPasswordVariable);
   return password != nullptr ? password : "";
