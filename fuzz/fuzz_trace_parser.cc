@@ -8,37 +8,15 @@
 #include <string>
 #include <string_view>
 
-#include "parser/line_source.h"
+#include "bytes_line_source.h"
 #include "parser/trace_file_reader.h"
 #include "parser/trace_parser.h"
 #include "support/exceptions.h"
 
-namespace {
-
-class BytesLineSource : public parser::LineSource {
- public:
-  explicit BytesLineSource(std::string_view bytes) : bytes_(bytes) {}
-  bool OpenLines(const std::string&, std::uint64_t) override { return true; }
-  bool ReadNextLine(std::string_view* line) override {
-    if (bytes_.empty()) return false;
-    const std::size_t end = bytes_.find('\n');
-    const std::size_t length = end == std::string_view::npos ? bytes_.size() : end + 1;
-    *line = bytes_.substr(0, length);
-    bytes_.remove_prefix(length);
-    return true;
-  }
-  void CloseLines() override {}
-
- private:
-  std::string_view bytes_;
-};
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   try {
-    BytesLineSource source(bytes);
+    fuzz::BytesLineSource source(bytes);
     parser::CTraceParser trace;
     trace.SetMergeIdenticalSql(size % 2 == 0);
     while (trace.ParseStreamBatch(source, "fuzz.trc", 2, static_cast<std::uint8_t>(size % 8))) {

@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
+#include "bytes_line_source.h"
 #include "parser/aggregated_xml_writer.h"
 #include "parser/call_xml_writer.h"
-#include "parser/line_source.h"
 #include "parser/output_sink.h"
 #include "parser/sort_options.h"
 #include "parser/text_report.h"
@@ -19,24 +19,6 @@
 #include "support/exceptions.h"
 
 namespace {
-
-class BytesLineSource : public parser::LineSource {
- public:
-  explicit BytesLineSource(std::string_view bytes) : bytes_(bytes) {}
-  bool OpenLines(const std::string&, std::uint64_t) override { return true; }
-  bool ReadNextLine(std::string_view* line) override {
-    if (bytes_.empty()) return false;
-    const std::size_t end = bytes_.find('\n');
-    const std::size_t length = end == std::string_view::npos ? bytes_.size() : end + 1;
-    *line = bytes_.substr(0, length);
-    bytes_.remove_prefix(length);
-    return true;
-  }
-  void CloseLines() override {}
-
- private:
-  std::string_view bytes_;
-};
 
 template <typename Write>
 void CheckWellFormed(Write&& write) {
@@ -60,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   parser::CTraceParser trace(&sort, false);
   trace.SetMergeIdenticalSql(size % 2 == 0);
   try {
-    BytesLineSource source(bytes);
+    fuzz::BytesLineSource source(bytes);
     trace.ParseStream(source, "fuzz.trc", 0);
   } catch (const exceptions::ExceptionBase&) {
   }
