@@ -30,15 +30,8 @@ password=trace-over-ssh
 nss_wrapper=/usr/lib/x86_64-linux-gnu/libnss_wrapper.so
 
 die() { echo "sshd: $*" >&2; exit 1; }
-
-free_port() {
-  "$python" -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])'
-}
-
-wait_for() {
-  for _ in $(seq 1 100); do [ -s "$1" ] && return 0; sleep 0.1; done
-  die "no $1 after 10 s"
-}
+# shellcheck source=../lib/test-servers.sh
+. "$here/../lib/test-servers.sh"
 
 # Waits until something accepts connections on 127.0.0.1:PORT.
 wait_for_port() {
@@ -154,24 +147,6 @@ start() {
     wait_for "$dir/$mode.port"
   done
   trap - ERR EXIT
-}
-
-# True while the process runs; a zombie (which an init that does not reap leaves) is gone.
-alive() {
-  [ -r "/proc/$1/stat" ] || return 1
-  local state
-  state=$(sed -E 's/^.*\) ([A-Za-z]).*$/\1/' "/proc/$1/stat" 2>/dev/null) || return 1
-  [ -n "$state" ] && [ "$state" != Z ] && [ "$state" != X ]
-}
-
-# Stops the server whose timeout wrapper has its pid in FILE; the wrapper passes the signal on.
-stop_one() {
-  local file=$1 pid
-  [ -f "$file" ] || return 0
-  pid=$(cat "$file")
-  kill "$pid" 2>/dev/null || true
-  for _ in $(seq 1 50); do alive "$pid" || return 0; sleep 0.1; done
-  kill -9 "$pid" 2>/dev/null || true
 }
 
 stop() {

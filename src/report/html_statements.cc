@@ -78,14 +78,7 @@ void CallTable(const StatementProfile& s, HtmlPage& page) {
   for (std::size_t kind = 0; kind < kCallKinds; ++kind) {
     const CallFigures& c = s.calls[kind];
     row(kNames[kind], c, false);
-    total.count += c.count;
-    total.cpu += c.cpu;
-    total.elapsed += c.elapsed;
-    total.disk += c.disk;
-    total.query += c.query;
-    total.current += c.current;
-    total.rows += c.rows;
-    total.misses += c.misses;
+    AddCallFigures(c, &total);
   }
   row("total", total, true);
   page.Raw("</table>\n");

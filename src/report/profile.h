@@ -59,6 +59,18 @@ struct CallFigures {
 enum CallKind : std::size_t { kParseCall = 0, kExecCall = 1, kFetchCall = 2 };
 inline constexpr std::size_t kCallKinds = 3;
 
+// Adds `more` into `total` field by field: the "total" row of a statement's call table.
+inline void AddCallFigures(const CallFigures& more, CallFigures* total) {
+  total->count += more.count;
+  total->cpu += more.cpu;
+  total->elapsed += more.elapsed;
+  total->disk += more.disk;
+  total->query += more.query;
+  total->current += more.current;
+  total->rows += more.rows;
+  total->misses += more.misses;
+}
+
 struct Skew {
   Micros min = 0;
   Micros median = 0;

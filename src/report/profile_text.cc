@@ -130,13 +130,7 @@ void CallTable(const StatementProfile& s, std::ostream& out) {
         << Right(ShortSeconds(c.cpu), 11) << Right(ShortSeconds(c.elapsed), 11)
         << Right(Count(c.disk), 11) << Right(Count(c.query), 11) << Right(Count(c.current), 11)
         << Right(Count(c.rows), 11) << '\n';
-    total.count += c.count;
-    total.cpu += c.cpu;
-    total.elapsed += c.elapsed;
-    total.disk += c.disk;
-    total.query += c.query;
-    total.current += c.current;
-    total.rows += c.rows;
+    AddCallFigures(c, &total);
   }
   out << Left("total", 8) << Right(Count(static_cast<std::int64_t>(total.count)), 9)
       << Right(ShortSeconds(total.cpu), 11) << Right(ShortSeconds(total.elapsed), 11)
