@@ -55,6 +55,10 @@ std::size_t ScanWaitFields(std::string_view line, WaitRecord* record, std::size_
 // behind ela (the names may hold blanks: "driver id=675562835"), tim the line's own, and the
 // result is true. Otherwise nothing changes and the result is false.
 bool ScanNamedWaitFields(std::string_view rest, WaitRecord* record);
+// A whole WAIT line in either form: ScanWaitFields, then, unless the line ended where the older
+// form ends, ScanNamedWaitFields on the rest. True when the named form (with its tim) was read;
+// otherwise tim is untouched: such a wait takes its time from the trace's.
+bool ScanWaitOwnTime(std::string_view line, WaitRecord* record);
 
 // "BINDS #%d:" into *cursor.
 void ScanBindsLine(std::string_view line, CursorNo* cursor);

@@ -105,4 +105,12 @@ bool ScanNamedWaitFields(std::string_view rest, WaitRecord* record) {
   return true;
 }
 
+bool ScanWaitOwnTime(std::string_view line, WaitRecord* record) {
+  std::size_t ela = 0;
+  const std::size_t scanned = ScanWaitFields(line, record, &ela);
+  const bool older_form = scanned != std::string_view::npos && IsBlank(From(line, scanned));
+  return !older_form && ela != std::string_view::npos &&
+         ScanNamedWaitFields(line.substr(ela), record);
+}
+
 }  // namespace parser

@@ -10,7 +10,21 @@
 namespace parser {
 
 TraceFileReader::TraceFileReader(std::unique_ptr<std::istream> in, std::size_t block_size)
-    : in_(std::move(in)), block_(block_size < 2 * kLookahead ? 2 * kLookahead : block_size) {}
+    : in_(std::move(in)), owned_(block_size < 2 * kLookahead ? 2 * kLookahead : block_size) {
+  block_ = owned_.data();
+  capacity_ = owned_.size();
+}
+
+TraceFileReader::TraceFileReader(char* data, std::size_t size)
+    : block_(data),
+      capacity_(size),
+      in_place_(true),
+      end_(size),
+      source_done_(true),
+      read_position_(size) {
+  next_nul_ = NextByte('\0', 0);
+  next_asterisks_ = NextAsterisks(0);
+}
 
 std::unique_ptr<TraceFileReader> TraceFileReader::Open(const std::string& path) {
   // A FIFO or a device would block the parse, or never end: only regular files are read.
@@ -36,11 +50,11 @@ bool TraceFileReader::Seek(std::uint64_t offset) {
 void TraceFileReader::Fill() {
   while (!source_done_ && end_ - begin_ < kLookahead) {
     if (begin_ > 0) {
-      std::memmove(block_.data(), block_.data() + begin_, end_ - begin_);
+      std::memmove(block_, block_ + begin_, end_ - begin_);
       end_ -= begin_;
       begin_ = 0;
     }
-    in_->read(block_.data() + end_, static_cast<std::streamsize>(block_.size() - end_));
+    in_->read(block_ + end_, static_cast<std::streamsize>(capacity_ - end_));
     const auto got = static_cast<std::size_t>(in_->gcount());
     end_ += got;
     read_position_ += got;
@@ -51,14 +65,13 @@ void TraceFileReader::Fill() {
 }
 
 std::size_t TraceFileReader::NextByte(char byte, std::size_t from) const {
-  const void* found = std::memchr(block_.data() + from, byte, end_ - from);
-  return found == nullptr
-             ? end_
-             : static_cast<std::size_t>(static_cast<const char*>(found) - block_.data());
+  const void* found = std::memchr(block_ + from, byte, end_ - from);
+  return found == nullptr ? end_
+                          : static_cast<std::size_t>(static_cast<const char*>(found) - block_);
 }
 
 std::size_t TraceFileReader::NextAsterisks(std::size_t from) const {
-  const std::size_t found = std::string_view(block_.data() + from, end_ - from).find("***");
+  const std::size_t found = std::string_view(block_ + from, end_ - from).find("***");
   return found == std::string_view::npos ? end_ : from + found;
 }
 
@@ -79,7 +92,7 @@ bool TraceFileReader::ReadPiece(std::string_view* piece) {
     at_end_ = true;
     return false;
   }
-  const char* start = block_.data() + begin_;
+  const char* start = block_ + begin_;
   const std::size_t window = available < kPieceLimit ? available : kPieceLimit;
   const auto* newline = static_cast<const char*>(std::memchr(start, '\n', window));
   if (newline != nullptr && (newline == start || newline[-1] != '\r')) {
@@ -98,8 +111,19 @@ bool TraceFileReader::ReadPiece(std::string_view* piece) {
   return true;
 }
 
+bool TraceFileReader::NextRun(PieceRun* run) {
+  std::string_view text;
+  if (!ReadPiece(&text)) return false;
+  piece_.data = text.data();
+  piece_.size = static_cast<std::uint32_t>(text.size());
+  piece_.asterisks = piece_has_asterisks_;
+  *run = PieceRun{&piece_, 1, nullptr};
+  return true;
+}
+
 std::string_view TraceFileReader::CopyPiece() {
   std::size_t count = 0;
+  const std::size_t first = begin_;
   std::size_t at = begin_;
   while (count < kPieceLimit) {
     if (at == end_) {
@@ -116,7 +140,10 @@ std::string_view TraceFileReader::CopyPiece() {
     if (c == '\n') break;
   }
   begin_ = at;
-  return Finish(std::string_view(copy_.data(), count), begin_);
+  if (!in_place_) return Finish(std::string_view(copy_.data(), count), begin_);
+  // The piece is no longer than the bytes it was read from, all of them behind begin_ now.
+  std::memcpy(block_ + first, copy_.data(), count);
+  return Finish(std::string_view(block_ + first, count), begin_);
 }
 
 }  // namespace parser

@@ -7,7 +7,8 @@
 //   - the last line of a file without a final newline arrives without one.
 // Pieces are views into the reader's block (or, for CR-LF lines, into a small copy), valid until
 // the next call, and end at their first NUL byte, as the line buffer's C string does. Not
-// thread-safe; one reader per open file.
+// thread-safe; one reader per open file. A reader can also split bytes already in memory (a
+// chunk of a file that starts at a line's start), in place.
 #ifndef PELICOR_PARSER_TRACE_FILE_READER_H_
 #define PELICOR_PARSER_TRACE_FILE_READER_H_
 
@@ -20,9 +21,11 @@
 #include <string_view>
 #include <vector>
 
+#include "parser/piece_reader.h"
+
 namespace parser {
 
-class TraceFileReader {
+class TraceFileReader : public PieceReader {
  public:
   static constexpr std::size_t kPieceLimit = 1023;
   static constexpr std::size_t kDefaultBlockSize = std::size_t{1} << 20;
@@ -30,6 +33,10 @@ class TraceFileReader {
   // Reads from `in` (positioned where reading starts).
   explicit TraceFileReader(std::unique_ptr<std::istream> in,
                            std::size_t block_size = kDefaultBlockSize);
+
+  // Splits the `size` bytes at `data` (not owned; they must outlive the reader). Pieces that lose
+  // a CR are written back over the bytes they came from, so every piece views `data`.
+  TraceFileReader(char* data, std::size_t size);
 
   // Opens `path` for reading; nothing when it cannot be opened or is not a regular file (a
   // directory, a FIFO, a device).
@@ -40,6 +47,8 @@ class TraceFileReader {
 
   // The next piece in *piece; false at the end of the file.
   bool ReadPiece(std::string_view* piece);
+  // The next piece as a run of one.
+  bool NextRun(PieceRun* run) override;
 
   // False when the last piece surely holds no "***", which the size-limit line needs: most lines
   // then skip that test. The search runs once per block, not once per line ("SQL*Net" waits
@@ -48,10 +57,10 @@ class TraceFileReader {
 
   // True once a read has met the end of the file (as feof() after fgets()): after the last
   // piece when that piece has no newline, else only after ReadPiece() has answered false.
-  bool AtEnd() const { return at_end_; }
+  bool AtEnd() const override { return at_end_; }
 
   // Where the next block read starts, in bytes from the file's start: how far reading has got.
-  std::uint64_t ReadPosition() const { return read_position_; }
+  std::uint64_t ReadPosition() const override { return read_position_; }
 
  private:
   // Makes sure the block holds at least kLookahead bytes past begin_, or all that is left.
@@ -67,7 +76,10 @@ class TraceFileReader {
   static constexpr std::size_t kLookahead = kPieceLimit + 2;
 
   std::unique_ptr<std::istream> in_;
-  std::vector<char> block_;
+  std::vector<char> owned_;  // the block of a file; empty over bytes in memory
+  char* block_ = nullptr;
+  std::size_t capacity_ = 0;
+  bool in_place_ = false;  // over bytes in memory: copied pieces go back into them
   std::size_t begin_ = 0;  // first unread byte in block_
   std::size_t end_ = 0;    // end of the bytes read into block_
   bool source_done_ = false;
@@ -77,6 +89,7 @@ class TraceFileReader {
   bool piece_has_asterisks_ = false;
   std::uint64_t read_position_ = 0;
   std::array<char, kPieceLimit> copy_{};
+  Piece piece_;  // the run of NextRun()
 };
 
 }  // namespace parser

@@ -1,10 +1,16 @@
 // CTraceParser: construction, settings, the parse forms and the line source.
 #include "parser/trace_parser.h"
 
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <thread>
 #include <utility>
 
+#include "parser/chunked_file_reader.h"
 #include "parser/field_scanner.h"
 #include "parser/line_text.h"
+#include "parser/record_scanners.h"
 #include "parser/trace_file_reader.h"
 #include "support/exceptions.h"
 
@@ -92,12 +98,7 @@ void CTraceParser::Parse(const std::string& file_name, std::uint64_t offset) {
 void CTraceParser::ParseFrom(const std::string& file_name, std::uint64_t offset,
                              std::uint8_t flags) {
   trace_file_name_ = file_name;
-  file_ = TraceFileReader::Open(file_name);
-  if (!file_) Raise("fopen", "Trace parser failed to open parse file!");
-  if (!file_->Seek(offset)) {
-    file_.reset();
-    Raise("fopen", "Trace parser failed to move file cursor to offset!");
-  }
+  OpenFileReader(file_name, offset);
   TakeBannerFromFileHead(file_name, offset);
   source_mode_ = SourceMode::kFile;
   SetFlags(flags);
@@ -121,6 +122,29 @@ void CTraceParser::ParseDatabaseReader(LineSource& reader, const std::string& na
   if (!reader.OpenLinesAfterMarker(name, marker))
     Raise("OpenLines", "Trace parser failed to open parse file!");
   ReadOpenedSource(reader, SourceMode::kDatabaseReader, 0);
+}
+
+unsigned CTraceParser::ReadAhead::DefaultWorkers() {
+  const unsigned processors = std::thread::hardware_concurrency();
+  return processors < 2 ? 0 : std::min(processors, 4u);
+}
+
+void CTraceParser::OpenFileReader(const std::string& file_name, std::uint64_t offset) {
+  file_.reset();
+  run_ = PieceRun();
+  run_next_ = 0;
+  piece_ = nullptr;
+  std::unique_ptr<TraceFileReader> reader = TraceFileReader::Open(file_name);
+  if (!reader) Raise("fopen", "Trace parser failed to open parse file!");
+  if (!reader->Seek(offset)) Raise("fopen", "Trace parser failed to move file cursor to offset!");
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(file_name, error);
+  if (read_ahead_.workers == 0 || error || size < offset || size - offset < read_ahead_.min_bytes) {
+    file_ = std::move(reader);
+    return;
+  }
+  file_ = std::make_unique<ChunkedFileReader>(
+      file_name, offset, ChunkedFileReader::Options{read_ahead_.workers, read_ahead_.chunk_bytes});
 }
 
 // The head is asked for before the stream opens: an FTP session carries one transfer at a time.
@@ -199,13 +223,17 @@ bool CTraceParser::CloseAfterEnd(std::int64_t n, std::uint16_t limit) {
 
 void CTraceParser::EndOfInput() {
   file_.reset();
+  run_ = PieceRun();
+  run_next_ = 0;
+  piece_ = nullptr;
   session_timestamp_taken_ = false;
 }
 
 // --- Line source ----------------------------------------------------------------------------
 
 bool CTraceParser::SourceAtEnd() const {
-  if (source_mode_ == SourceMode::kFile) return !file_ || file_->AtEnd();
+  if (source_mode_ == SourceMode::kFile)
+    return !file_ || (run_next_ == run_.count && file_->AtEnd());
   return stream_at_end_;
 }
 
@@ -235,13 +263,39 @@ bool CTraceParser::MarksSizeLimit(std::string_view line) const {
 }
 
 bool CTraceParser::ReadFileLine(std::string_view* line) {
-  if (file_ == nullptr || !file_->ReadPiece(line)) return false;
-  line_may_mark_limit_ = file_->PieceHasAsterisks();
-  if (progress_ && file_->ReadPosition() != reported_position_) {
-    reported_position_ = file_->ReadPosition();
-    progress_(reported_position_);
+  if (run_next_ == run_.count) {
+    piece_ = nullptr;
+    run_next_ = 0;
+    if (file_ == nullptr || !file_->NextRun(&run_)) {
+      run_ = PieceRun();
+      return false;
+    }
+    if (progress_ && file_->ReadPosition() != reported_position_) {
+      reported_position_ = file_->ReadPosition();
+      progress_(reported_position_);
+    }
   }
+  piece_ = &run_.pieces[run_next_++];
+  *line = piece_->text();
+  line_may_mark_limit_ = piece_->asterisks;
   return true;
+}
+
+const LineScan* CTraceParser::ScannedAhead(std::string_view line, LineKind kind) const {
+  if (source_mode_ != SourceMode::kFile || piece_ == nullptr || piece_->scan < 0 ||
+      !piece_->Is(line)) {
+    return nullptr;
+  }
+  const LineScan& scan = run_.scans[piece_->scan];
+  return scan.kind == kind ? &scan : nullptr;
+}
+
+bool CTraceParser::ScanCall(std::string_view line, LineKind kind, CallRecord* call) const {
+  if (const LineScan* ahead = ScannedAhead(line, kind)) {
+    *call = ahead->fields.call;
+    return ahead->newer_form;
+  }
+  return ScanCallLine(line, CallKeyword(kind), call);
 }
 
 bool CTraceParser::ReadStreamLine(std::string_view* line) {

@@ -23,8 +23,11 @@
 #include <unordered_map>
 
 #include "parser/document_context.h"
+#include "parser/line_kind.h"
+#include "parser/line_scan.h"
 #include "parser/line_source.h"
 #include "parser/name_pool.h"
+#include "parser/piece_reader.h"
 #include "parser/records.h"
 #include "parser/recursive_calls.h"
 #include "parser/sort_options.h"
@@ -33,8 +36,6 @@
 #include "parser/wait_classes.h"
 
 namespace parser {
-
-class TraceFileReader;
 
 // Bits of the flags argument of the batch forms.
 inline constexpr std::uint8_t kSkipWaits = 1;
@@ -96,6 +97,18 @@ class CTraceParser {
   void SetClosedStatementHandler(ClosedStatementHandler handler) {
     closed_handler_ = std::move(handler);
   }
+
+  // How a whole local file is read: by `workers` threads that split and scan it ahead in chunks
+  // of `chunk_bytes` while the parser works (chunked_file_reader.h), when the part to read has at
+  // least `min_bytes`; otherwise, or with no worker, on the parser's thread alone. The output is
+  // the same either way. By default one worker per processor (at most four), none on one.
+  struct ReadAhead {
+    unsigned workers = DefaultWorkers();
+    std::size_t chunk_bytes = std::size_t{2} << 20;
+    std::uint64_t min_bytes = std::uint64_t{8} << 20;
+    static unsigned DefaultWorkers();
+  };
+  void SetReadAhead(const ReadAhead& read_ahead) { read_ahead_ = read_ahead; }
 
   // Called with the number of bytes of a local file read so far, once for each block read.
   using ProgressCallback = std::function<void(std::uint64_t bytes_read)>;
@@ -261,6 +274,12 @@ class CTraceParser {
   void ReadNewerBinds(TraceStatement* statement, CursorNo cursor, std::int32_t bind_set,
                       std::string_view line);
   void SetFlags(std::uint8_t flags);
+  // Opens the whole-file reader of a parse from `offset` (see ReadAhead).
+  void OpenFileReader(const std::string& file_name, std::uint64_t offset);
+  // What the file reader scanned ahead for `line`, when it is the piece in hand; else null.
+  const LineScan* ScannedAhead(std::string_view line, LineKind kind) const;
+  // Reads a PARSE, EXEC or FETCH line (`kind`): true when it had a plan hash.
+  bool ScanCall(std::string_view line, LineKind kind, CallRecord* call) const;
   // Hands the closed statements that are final to closed_handler_ (see its setter).
   void HandOverClosed();
   // Files a wait under `statement`: its record, or in a summary-only parse its ela in the sum of
@@ -275,7 +294,11 @@ class CTraceParser {
   void EndOfInput();
 
   StatementTable table_;
-  std::unique_ptr<TraceFileReader> file_;
+  std::unique_ptr<PieceReader> file_;
+  PieceRun run_;                  // the pieces of file_ in hand
+  std::size_t run_next_ = 0;      // the next of them
+  const Piece* piece_ = nullptr;  // the one last read
+  ReadAhead read_ahead_;
   SourceMode source_mode_ = SourceMode::kFile;
   bool merge_identical_sql_ = false;
   LineSource* stream_ = nullptr;  // during a stream or database-reader parse only

@@ -129,7 +129,7 @@ void CTraceParser::TakeRelease(std::string_view line) {
 
 void CTraceParser::ScanParse(std::string_view line) {
   CallRecord call;
-  if (ScanCallLine(line, kParseKeyword, &call)) NoteNewerForm();
+  if (ScanCall(line, LineKind::kParse, &call)) NoteNewerForm();
   current_time_ = call.tim;
   NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
@@ -145,7 +145,7 @@ void CTraceParser::ScanParse(std::string_view line) {
 
 void CTraceParser::ScanExec(std::string_view line) {
   ExecCallRecord call;
-  if (ScanCallLine(line, kExecKeyword, &call)) NoteNewerForm();
+  if (ScanCall(line, LineKind::kExec, &call)) NoteNewerForm();
   current_time_ = call.tim;
   NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
@@ -162,7 +162,7 @@ void CTraceParser::ScanExec(std::string_view line) {
 
 void CTraceParser::ScanFetch(std::string_view line) {
   CallRecord call;
-  if (ScanCallLine(line, kFetchKeyword, &call)) NoteNewerForm();
+  if (ScanCall(line, LineKind::kFetch, &call)) NoteNewerForm();
   current_time_ = call.tim;
   NoteTim(call.tim);
   const CallRecord counted = CountedFigures(call);
@@ -245,11 +245,9 @@ void CTraceParser::ScanStat(std::string_view line) {
 
 void CTraceParser::ScanWait(std::string_view line) {
   WaitRecord wait;
-  std::size_t ela = 0;
-  const std::size_t scanned = ScanWaitFields(line, &wait, &ela);
-  const bool older_form = scanned != std::string_view::npos && IsBlank(From(line, scanned));
-  if (!older_form && ela != std::string_view::npos &&
-      ScanNamedWaitFields(line.substr(ela), &wait)) {
+  const LineScan* ahead = ScannedAhead(line, LineKind::kWait);
+  if (ahead != nullptr) wait = ahead->fields.wait;
+  if (ahead != nullptr ? ahead->newer_form : ScanWaitOwnTime(line, &wait)) {
     NoteNewerForm();  // 10.2 and later: named parameters and the wait's own tim
   } else {
     // Earlier waits carry no time of their own: each one moves the trace time on by its ela.

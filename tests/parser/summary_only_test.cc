@@ -1,7 +1,8 @@
 // Generated traces in both layouts: the aggregated documents and the report of a summary-only
-// parse are the bytes of the full parse's, and those bytes keep their checksums (a change that
-// alters a single figure anywhere in them shows here); the call document written while the
-// trace is read is the one written after it.
+// parse, and of a parse whose file is split and scanned ahead by worker threads, are the bytes
+// of the full parse's, and those bytes keep their checksums (a change that alters a single figure
+// anywhere in them shows here); the call document written while the trace is read is the one
+// written after it, also when read ahead.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -24,11 +25,17 @@ struct Documents {
   std::string report;
 };
 
+// Chunks small enough to put chunk ends inside SQL texts and BINDS blocks many times over.
+parser::CTraceParser::ReadAhead Workers(unsigned workers) {
+  return {workers, 64 * 1024, 0};
+}
+
 // Parses `path` and writes every document that needs no call record, into strings, in the
 // order the grand totals make matter.
 Documents Write(const std::string& path, bool summary_only, const parser::SortOptions* sort,
-                bool merge) {
+                bool merge, unsigned workers = 0) {
   parser::CTraceParser trace(sort, merge);
+  trace.SetReadAhead(Workers(workers));
   trace.SetSummaryOnly(summary_only);
   trace.SetStatementId("from");  // matches many statements: the sorted writer counts them
   trace.Parse(path, 0);
@@ -91,10 +98,12 @@ TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
     ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, nullptr));
     const parser::SortOptions* sort_options = test.sort ? &sort : nullptr;
     const Documents full = Write(file.path(), false, sort_options, test.merge);
-    const Documents summary = Write(file.path(), true, sort_options, test.merge);
-    EXPECT_EQ(summary.tkprof, full.tkprof);
-    EXPECT_EQ(summary.sorted, full.sorted);
-    EXPECT_EQ(summary.report, full.report);
+    for (const unsigned workers : {0u, 2u}) {
+      const Documents summary = Write(file.path(), true, sort_options, test.merge, workers);
+      EXPECT_EQ(summary.tkprof, full.tkprof);
+      EXPECT_EQ(summary.sorted, full.sorted);
+      EXPECT_EQ(summary.report, full.report);
+    }
     EXPECT_EQ(Checksum(full.tkprof), test.tkprof);
     EXPECT_EQ(Checksum(full.sorted), test.sorted);
     EXPECT_EQ(Checksum(full.report), test.report);
@@ -104,8 +113,9 @@ TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
 // The call document of statements handed over while the trace is read, against the one of the
 // whole closed list.
 std::string StreamedCallDocument(const std::string& path, std::uint8_t flags,
-                                 std::size_t* handed_over) {
+                                 std::size_t* handed_over, unsigned workers = 0) {
   parser::CTraceParser trace;
+  trace.SetReadAhead(Workers(workers));
   std::ostringstream text;
   parser::OutputSink out(text);
   bool started = false;
@@ -132,6 +142,7 @@ std::string StreamedCallDocument(const std::string& path, std::uint8_t flags,
 
 std::string WholeCallDocument(const std::string& path, std::uint8_t flags) {
   parser::CTraceParser trace;
+  trace.SetReadAhead(Workers(0));
   trace.ParseFrom(path, 0, flags);
   std::ostringstream text;
   parser::OutputSink out(text);
@@ -150,11 +161,13 @@ TEST(StreamedCalls, StatementsHandedOverWhileReadingGiveTheWholeDocument) {
       options.process_line_every = 40;
       const TempFile file("");
       ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, nullptr));
-      std::size_t handed_over = 0;
       const auto bits = static_cast<std::uint8_t>(flags);
-      EXPECT_EQ(StreamedCallDocument(file.path(), bits, &handed_over),
-                WholeCallDocument(file.path(), bits));
-      EXPECT_GT(handed_over, 80u);  // of about 100 to 200 statements
+      const std::string whole = WholeCallDocument(file.path(), bits);
+      for (const unsigned workers : {0u, 3u}) {
+        std::size_t handed_over = 0;
+        EXPECT_EQ(StreamedCallDocument(file.path(), bits, &handed_over, workers), whole);
+        EXPECT_GT(handed_over, 80u);  // of about 100 to 200 statements
+      }
     }
   }
 }

@@ -1,6 +1,9 @@
 // The block reader must hand out exactly the pieces (and end-of-file states) that fgets with a
-// 1024-byte buffer gives on the same file, whatever the block size.
+// 1024-byte buffer gives on the same file, whatever the block size; the reader that splits and
+// scans a file ahead on worker threads must hand out the same pieces, whatever its chunks.
 #include "parser/trace_file_reader.h"
+
+#include "parser/chunked_file_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -47,6 +50,43 @@ std::vector<Piece> WithReader(const std::string& text, std::size_t block_size) {
 
 std::string Repeat(char c, std::size_t n) {
   return std::string(n, c);
+}
+
+std::string Text(const parser::LineScan& scan) {
+  std::ostringstream text;
+  text << static_cast<int>(scan.kind) << scan.newer_form << ' ';
+  if (scan.kind == parser::LineKind::kWait) {
+    const parser::WaitRecord& w = scan.fields.wait;
+    text << w.cursor << w.nam << w.ela << ' ' << w.p1 << ' ' << w.p2 << ' ' << w.p3 << ' ' << w.tim;
+  } else {
+    const parser::CallRecord& c = scan.fields.call;
+    text << c.cursor << ' ' << c.c << ' ' << c.e << ' ' << c.p << ' ' << c.cr << ' ' << c.cu << ' '
+         << c.mis << ' ' << c.r << ' ' << c.dep << ' ' << c.og << ' ' << c.tim;
+  }
+  return text.str();
+}
+
+// The pieces of a whole-file reader, with each piece's asterisk flag as the last character of
+// its text ('*' or '-'), so that both readers' answers are compared at once.
+std::vector<Piece> Runs(parser::PieceReader& reader, std::size_t* scanned_ahead = nullptr) {
+  std::vector<Piece> pieces;
+  parser::PieceRun run;
+  while (reader.NextRun(&run)) {
+    for (std::size_t i = 0; i < run.count; ++i) {
+      const parser::Piece& piece = run.pieces[i];
+      pieces.push_back({std::string(piece.text()) + (piece.asterisks ? '*' : '-'),
+                        i + 1 == run.count && reader.AtEnd()});
+      // What was scanned ahead is what scanning the piece gives.
+      parser::LineScan scan;
+      if (piece.scan >= 0) {
+        EXPECT_TRUE(parser::ScanAhead(piece.text(), &scan)) << piece.text();
+        EXPECT_EQ(Text(run.scans[piece.scan]), Text(scan));
+        if (scanned_ahead != nullptr) ++*scanned_ahead;
+      }
+    }
+  }
+  EXPECT_TRUE(reader.AtEnd());
+  return pieces;
 }
 
 TEST(TraceFileReader, PiecesMatchFgetsWhateverTheBlockSize) {
@@ -111,6 +151,60 @@ TEST(TraceFileReader, TellsWhichPiecesMayHoldThreeAsterisks) {
     while (reader.ReadPiece(&piece)) flags.push_back(reader.PieceHasAsterisks());
     // A "***" that only begins in a piece marks it too: the full test then says no.
     EXPECT_EQ(flags, (std::vector<bool>{false, false, true, false, true, false, true, false}));
+  }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(ChunkedFileReader, GivesThePiecesOfTheWholeFileReaderWhateverItsChunks) {
+  std::string lines;
+  for (std::size_t n = 0; lines.size() < 60000; n = (n * 7 + 13) % 1500) {
+    lines += "EXEC #" + std::to_string(n) + ":c=0,e=" + std::to_string(n * 3) +
+             ",p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1083929217634352\n";
+    lines += "WAIT #1: nam='SQL*Net message from client' ela= " + std::to_string(n) +
+             " driver id=1413697536 #bytes=1 p3=0 obj#=-1 tim=5793511831927\r\n";
+    lines += Repeat(static_cast<char>('a' + n % 26), n) + "***\n";
+  }
+  const std::string texts[] = {
+      "",
+      "FETCH #3:c=0,e=142,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1\nno end",
+      Repeat('x', 1023) + "\r\n" + Repeat('y', 1022) + "\r\n\r\n",
+      Repeat('z', 5000) + "\nend\n",
+      std::string("WAIT #1: nam='x' ela= 1\0 p1=2\nPARSE #1:c=\0\n", 37),
+      lines,
+  };
+  for (const std::string& text : texts) {
+    const TempFile file(text);
+    for (const std::uint64_t offset : {std::uint64_t{0}, std::uint64_t{3}, std::uint64_t{777}}) {
+      auto whole = parser::TraceFileReader::Open(file.path());
+      ASSERT_NE(whole, nullptr);
+      ASSERT_TRUE(whole->Seek(offset));
+      const std::vector<Piece> expected = Runs(*whole);
+      for (const std::size_t chunk_bytes : {std::size_t{1}, std::size_t{700}, std::size_t{8192}}) {
+        for (const unsigned workers : {0u, 1u, 3u}) {
+          parser::ChunkedFileReader reader(file.path(), offset, {workers, chunk_bytes});
+          std::size_t scanned_ahead = 0;
+          EXPECT_EQ(Runs(reader, &scanned_ahead), expected)
+              << text.substr(0, 30) << " from " << offset << ", chunks of " << chunk_bytes
+              << ", workers " << workers;
+          EXPECT_TRUE(text != lines || workers == 0 || scanned_ahead > 100u);
+        }
+      }
+    }
+  }
+}
+
+// A parse that stops half-way (the size-limit line) destroys the reader with chunks in flight.
+TEST(ChunkedFileReader, StopsItsWorkersWhenLeftHalfWay) {
+  std::string text;
+  for (int i = 0; i < 20000; ++i) text += "STAT #1 id=1 cnt=1 pid=0 pos=1 obj=0 op='X'\n";
+  const TempFile file(text);
+  for (int run = 0; run < 20; ++run) {
+    parser::ChunkedFileReader reader(file.path(), 0, {2, 512});
+    parser::PieceRun first;
+    ASSERT_TRUE(reader.NextRun(&first));
   }
 }
 
