@@ -2,13 +2,41 @@
 #include "parser/field_scanner.h"
 #include "parser/line_text.h"
 #include "parser/record_scanners.h"
+#include "parser/strict_fields.h"
 
 namespace parser {
+
+namespace {
+
+// The line as the server writes it; false, and *record untouched, for any other text.
+bool ScanStrictCallLine(std::string_view line, std::string_view keyword, CallRecord* record,
+                        bool* plan_hash) {
+  StrictFields scan(line);
+  CallRecord call;
+  if (!(scan.Literal(keyword) && scan.Cursor(&call.cursor) && scan.Literal(":c=") &&
+        scan.Int64(&call.c) && scan.Literal(",e=") && scan.Int64(&call.e) && scan.Literal(",p=") &&
+        scan.Int32(&call.p) && scan.Literal(",cr=") && scan.Int32(&call.cr) &&
+        scan.Literal(",cu=") && scan.Int32(&call.cu) && scan.Literal(",mis=") &&
+        scan.Int32(&call.mis) && scan.Literal(",r=") && scan.Int32(&call.r) &&
+        scan.Literal(",dep=") && scan.Int32(&call.dep) && scan.Literal(",og=") &&
+        scan.Int32(&call.og))) {
+    return false;
+  }
+  *plan_hash = scan.Literal(",plh=");
+  if (*plan_hash && !scan.SkipNumber()) return false;
+  if (!scan.Literal(",tim=") || !scan.Int64(&call.tim)) return false;
+  *record = call;
+  return true;
+}
+
+}  // namespace
 
 // FETCH #3:c=0,e=142,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1083929217634352
 // From 11.1.0.7 on a plan hash stands between og and tim; it is stepped over so that tim is read:
 // FETCH #140641987987624:c=0,e=45,p=0,cr=1,cu=0,mis=0,r=4,dep=0,og=1,plh=2725028981,tim=5793...
 bool ScanCallLine(std::string_view line, std::string_view keyword, CallRecord* record) {
+  bool plan_hash = false;
+  if (ScanStrictCallLine(line, keyword, record, &plan_hash)) return plan_hash;
   FieldScanner scan(line);
   scan.Literal(keyword)
       .Cursor(&record->cursor)

@@ -4,6 +4,7 @@
 #include "parser/field_scanner.h"
 #include "parser/line_text.h"
 #include "parser/record_scanners.h"
+#include "parser/strict_fields.h"
 
 namespace parser {
 
@@ -105,7 +106,65 @@ bool ScanNamedWaitFields(std::string_view rest, WaitRecord* record) {
   return true;
 }
 
+namespace {
+
+// line.find("ela", from), without a library call for each 'e' of the event's name.
+std::size_t FindEla(std::string_view line, std::size_t from) {
+  for (std::size_t at = from; at + 3 <= line.size(); ++at) {
+    if (line[at] == 'e' && line[at + 1] == 'l' && line[at + 2] == 'a') return at;
+  }
+  return std::string_view::npos;
+}
+
+// The parameters behind ela: the older form's " p1=4 p2=1234 p3=1" and nothing after them
+// (false), or three named ones, the object and the wait's own time (true):
+//   ela= 12 file#=4 block#=1234 blocks=1 obj#=75 tim=1156390959552
+bool ScanStrictWaitParameters(StrictFields& scan, WaitRecord* wait, bool* named) {
+  *named = !scan.Literal(" p1=");
+  if (!*named) {
+    return scan.Int64(&wait->p1) && scan.Literal(" p2=") && scan.Int64(&wait->p2) &&
+           scan.Literal(" p3=") && scan.Int64(&wait->p3) && scan.AtBlankEnd();
+  }
+  for (std::int64_t* value : {&wait->p1, &wait->p2, &wait->p3}) {
+    if (!scan.Literal(" ") || !scan.SkipName() || !scan.Literal("=") || !scan.Int64(value)) {
+      return false;
+    }
+  }
+  return scan.Literal(" obj#=") && scan.SkipNumber() && scan.Literal(" tim=") &&
+         scan.Int64(&wait->tim) && scan.AtBlankEnd();
+}
+
+// The line as the server writes it; false, and *record untouched, for any other text. The name
+// ends where the general scanner ends it: two characters before the first "ela" behind "nam=".
+bool ScanStrictWait(std::string_view line, WaitRecord* record, bool* named) {
+  StrictFields head(line);
+  WaitRecord wait;
+  if (!head.Literal("WAIT #") || !head.Cursor(&wait.cursor) || !head.Literal(": nam='")) {
+    return false;
+  }
+  const std::size_t name_start = head.position();
+  const std::size_t ela = FindEla(line, name_start - 5);
+  if (ela == std::string_view::npos) return false;
+  StrictFields rest(line.substr(ela));
+  if (!rest.Literal("ela= ") || !rest.Int64(&wait.ela) ||
+      !ScanStrictWaitParameters(rest, &wait, named)) {
+    return false;
+  }
+  record->cursor = wait.cursor;
+  if (ela >= name_start + 2) record->nam = line.substr(name_start, ela - 2 - name_start);
+  record->ela = wait.ela;
+  record->p1 = wait.p1;
+  record->p2 = wait.p2;
+  record->p3 = wait.p3;
+  if (*named) record->tim = wait.tim;
+  return true;
+}
+
+}  // namespace
+
 bool ScanWaitOwnTime(std::string_view line, WaitRecord* record) {
+  bool named = false;
+  if (ScanStrictWait(line, record, &named)) return named;
   std::size_t ela = 0;
   const std::size_t scanned = ScanWaitFields(line, record, &ela);
   const bool older_form = scanned != std::string_view::npos && IsBlank(From(line, scanned));

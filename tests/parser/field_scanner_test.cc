@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "parser/field_scanner.h"
+#include "parser/line_text.h"
 #include "parser/record_scanners.h"
 #include "parser/trace_parser.h"
 
@@ -40,6 +41,13 @@ const char* const kCallLines[] = {
     " FETCH #3:c=0,e=1\n",
     "FETCH #4294967296:c=1,e=2,p=3,cr=4,cu=5,mis=6,r=7,dep=8,og=9,tim=10\n",
     "FETCH #07:c=007,e=0010,p=00,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=000\n",
+    // Eighteen digits are read as they stand, nineteen and more as the general rules say.
+    "FETCH #3:c=999999999999999999,e=1,p=999999999999999999,cr=4,cu=0,mis=0,r=1,dep=0,og=4,"
+    "tim=999999999999999999\n",
+    "FETCH #3:c=9999999999999999999,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1x\n",
+    "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=12 and more\n",
+    "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=-12\n",
+    "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4\n",
     "",
 };
 
@@ -190,6 +198,70 @@ const char* const kWaitLines[] = {
     "WAIT #1: nam='x' ela= 5 p1= 1 p2 =2 p3=3\n",
     "WAIT #1: nam='x' ela\n",
 };
+
+// Lines of 11.1.0.7 and later put a plan hash in front of tim; sscanf's format has none.
+TEST(CallLineScanner, StepsOverThePlanHash) {
+  const struct {
+    const char* line;
+    bool plan_hash;
+    std::int64_t tim;
+  } cases[] = {
+      {"EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=2725028981,tim=3000\n", true, 3000},
+      {"EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=-7,tim=3000\n", true, 3000},
+      {"EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh= 7,tim= 3000\n", true, 3000},
+      {"EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=7,tim\n", true, 0},
+      {"EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=7\n", true, 0},
+      {"EXEC #1:c=0,e=5,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,xyz=7,tim=3000\n", false, 0},
+  };
+  for (const auto& test : cases) {
+    parser::CallRecord call;
+    EXPECT_EQ(parser::ScanCallLine(test.line, parser::kExecKeyword, &call), test.plan_hash)
+        << test.line;
+    EXPECT_EQ(std::make_tuple(call.cursor, call.e, call.og, call.tim),
+              std::make_tuple(CursorNo{1}, std::int64_t{5}, 1, test.tim))
+        << test.line;
+  }
+}
+
+// A whole WAIT line of either form, read by the quick path where it can, against the general
+// scanners applied one after the other.
+TEST(WaitLineScanner, WholeLinesReadAsTheGeneralScannersReadThem) {
+  const char* const lines[] = {
+      "WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1\n",
+      "WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1 \r\n",
+      "WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1 x\n",
+      "WAIT #1: nam='x' ela= 5\n",
+      "WAIT #4: nam='db file scattered read' ela= 28810 file#=4 block#=548 blocks=5 obj#=52566 "
+      "tim=881500264\n",
+      "WAIT #9: nam='SQL*Net message from client' ela= 977 driver id=1413697536 #bytes=1 p3=0 "
+      "obj#=-1 tim=5793511831927\n",
+      "WAIT #9: nam='x' ela= 977 a=1 b=-2 c=3 obj#=-1 tim=5793511831927\n",
+      "WAIT #9: nam='x' ela= 977 a=1 b=2 obj#=-1 tim=5793511831927\n",
+      "WAIT #9: nam='x' ela= 977 a=1 b=2 c=3 obj#=5 obj#=-1 tim=5793511831927\n",
+      "WAIT #9: nam='x' ela= 977 a=1 b=2 c=3 obj#=-1 tim=57 tim=58\n",
+      "WAIT #9: nam='Backup: MML delay' ela= 3 p1=1 p2=2 p3=3\n",
+      "WAIT #9: nam='Backup: MML delay' ela= 3 a=1 b=2 c=3 obj#=-1 tim=5\n",
+      "WAIT #9: nam='ela' ela= 3 p1=1 p2=2 p3=3\n",
+      "WAIT #99999999999999999999: nam='x' ela= 3 p1=1 p2=2 p3=3\n",
+      "WAIT #9:nam='x' ela= 3 p1=1 p2=2 p3=3\n",
+  };
+  for (const char* line : lines) {
+    parser::WaitRecord quick;
+    const bool quick_named = parser::ScanWaitOwnTime(line, &quick);
+    parser::WaitRecord general;
+    std::size_t ela = 0;
+    const std::size_t scanned = parser::ScanWaitFields(line, &general, &ela);
+    const bool older = scanned != std::string_view::npos && parser::IsBlank(line + scanned);
+    const bool general_named =
+        !older && ela != std::string_view::npos &&
+        parser::ScanNamedWaitFields(std::string_view(line).substr(ela), &general);
+    EXPECT_EQ(std::make_tuple(quick_named, quick.cursor, std::string(quick.nam), quick.ela,
+                              quick.p1, quick.p2, quick.p3, quick.tim),
+              std::make_tuple(general_named, general.cursor, std::string(general.nam), general.ela,
+                              general.p1, general.p2, general.p3, general.tim))
+        << line;
+  }
+}
 
 TEST(FieldScannerVsSscanf, WaitLines) {
   for (const char* line : kWaitLines) {
