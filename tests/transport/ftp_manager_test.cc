@@ -288,6 +288,10 @@ TEST_F(FtpManagerTest, LogonFailuresSayWhy) {
        "FTP failed to secure the connection to " + servers->Address("proftpd_tls", "localhost") +
            ": cannot load the CA file /no/such/ca.pem: No such file or directory",
        ""},
+      {servers->Address("tls_silent"), &test_ca,
+       "FTP failed to secure the connection to " + servers->Address("tls_silent") +
+           ": the TLS handshake timed out",
+       ""},
       {servers->Address("proftpd"), nullptr,
        "FTP failed to logon with the given info! Check ftp hostname/username/password.",
        "Server rejects userid/passwd (530 Login incorrect.)"},
