@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # FTP download figures on loopback: a generated trace served by proftpd (scripts/ftp/servers.sh),
 # fetched by FtpGetTraceFile through the C ABI (in ASCII mode, as that method fetches) and by
-# `pelicor ftp get` (binary), against `cp` of the same file. Prints MB/s of each and its ratio
-# to cp; judges nothing.
+# `pelicor ftp get` (binary), against `cp` of the same file; then `pelicor ftp get` over plain
+# FTP and over FTP over TLS from vsftpd (proftpd where vsftpd cannot be had), the same server
+# program and configuration but for TLS. Prints MB/s of each and its ratio to cp; judges
+# nothing.
 # Usage: bench/ftp_bench.sh [BUILD_DIR=build/release] [MEGABYTES=300] [REPEATS=3]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -52,6 +54,16 @@ cli_seconds() {
   PELICOR_FTP_PASSWORD=$password seconds_of "$pelicor" ftp get bench.trc --host "$host" \
     --user "$user" --udump traces -o "$work/out"
 }
+# get_seconds SERVER [OPTIONS...]: pelicor ftp get from one of the test servers, by the name its
+# certificate has; SERVER's own account when it has one (vsftpd's anonymous one).
+get_seconds() {
+  local server=$1 account=$state/user secret=$state/password
+  shift
+  [ -f "$state/$server.user" ] && account=$state/$server.user secret=$state/$server.password
+  PELICOR_FTP_PASSWORD=$(cat "$secret") seconds_of "$pelicor" ftp get bench.trc \
+    --host "localhost:$(cat "$state/$server.port")" --user "$(cat "$account")" --udump traces \
+    -o "$work/out" "$@"
+}
 
 curl_seconds() {  # another client, for what the server itself can give (ASCII: --use-ascii)
   seconds_of curl -s "$@" "ftp://$user:$password@$host/traces/bench.trc" -o "$work/out/bench.trc"
@@ -68,6 +80,11 @@ echo "$((bytes >> 20)) MB trace from proftpd on 127.0.0.1, best of $repeats:"
 report "cp" "$cp_s"
 report "FtpGetTraceFile (C ABI, ASCII mode)" "$abi_s"
 report "pelicor ftp get (binary)" "$cli_s"
+tls_server=vsftpd
+[ -f "$state/vsftpd_tls.port" ] || tls_server=proftpd
+report "pelicor ftp get, $tls_server, plain FTP" "$(best_of get_seconds "$tls_server")"
+report "pelicor ftp get, $tls_server, FTP over TLS" \
+  "$(best_of get_seconds "${tls_server}_tls" --tls --ca-file "$state/tls.pem")"
 if command -v curl >/dev/null; then
   report "curl, for comparison (ASCII mode)" "$(best_of curl_seconds --use-ascii)"
   report "curl, for comparison (binary)" "$(best_of curl_seconds)"

@@ -4,8 +4,9 @@
 set -euo pipefail
 kind=${1:-test}
 packages=(cmake ninja-build g++ libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
-          libarchive-dev libssh-dev)
+          libarchive-dev libssh-dev libssl-dev)
 if [ "$kind" = test ]; then
+  # proftpd-basic brings mod_tls (proftpd-mod-crypto); openssl makes the TLS servers' certificate.
   packages+=(libpugixml-dev pkgconf clang libclang-rt-14-dev proftpd-basic python3-pyftpdlib openssl
             libwrap0 libnsl2 libpam0g libcap2  # what the unpacked vsftpd links against
             chromium libxml2-utils bzip2 xz-utils zstd zip

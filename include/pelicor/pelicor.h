@@ -120,6 +120,17 @@ PELICOR_API int pelicor_SftpParseFile(pelicor* p, const char* fileName, unsigned
                                       unsigned short isAggregated, unsigned short xmlType,
                                       char** outputXML, char** msg);
 
+/* FTP over TLS, beyond the 25 methods: useTls other than 0 makes every FTP method of the object
+ * secure the control connection (AUTH TLS) before the user name and password go out, and every
+ * data connection (PROT P); a server that refuses fails the method with nothing sent in clear
+ * text. The server's certificate is checked against caFile (PEM; NULL or "": the system's trust
+ * store) and the host name; insecure other than 0 accepts any certificate (a test server's
+ * self-signed one). 0 goes back to plain FTP, the default. Builds without OpenSSL (Windows)
+ * answer 1 to switching it on, with "FTP over TLS is not available in this build (it was
+ * built without OpenSSL)". */
+PELICOR_API int pelicor_SetFtpTls(pelicor* p, unsigned short useTls, const char* caFile,
+                                  unsigned short insecure, char** msg);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

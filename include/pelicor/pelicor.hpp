@@ -188,6 +188,12 @@ class Pelicor {
     });
   }
 
+  // FTP over TLS, beyond the 25 methods (see pelicor.h).
+  int SetFtpTls(unsigned short useTls, const char* caFile, unsigned short insecure,
+                std::string* msg) {
+    return Call(msg, [&](char** m) { return pelicor_SetFtpTls(p_, useTls, caFile, insecure, m); });
+  }
+
  private:
   // Moves a string of the C ABI into `out` (when wanted) and frees it.
   static void Take(char* s, std::string* out) noexcept {

@@ -257,6 +257,16 @@ class TlsRequired(Session):
         self.reply("530 Non-anonymous sessions must use encryption.")
 
 
+class TlsSilent(Session):
+    """Accepts AUTH TLS, then never answers the client's hello."""
+
+    def on_AUTH(self, arg):
+        self.reply("234 AUTH TLS successful")
+        while self.conn.recv(4096):
+            pass
+        return False
+
+
 class Dribble(Session):
     """A greeting that never ends: one byte now and then."""
 
@@ -331,6 +341,7 @@ SCENARIOS = {
     "extended": Extended,
     "stranger": Stranger,
     "tls_required": TlsRequired,
+    "tls_silent": TlsSilent,
     "dribble": Dribble,
     "endless_line": EndlessLine,
     "endless_lines": EndlessLines,

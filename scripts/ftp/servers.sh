@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Starts and stops the FTP servers the transport tests talk to, all on 127.0.0.1 only:
 # proftpd (a real daemon), pyftpdlib (a second real server with other habits), vsftpd (a
-# third, when its binary can be had) and the fault-injecting server of fault_server.py.
+# third, when its binary can be had), the fault-injecting server of fault_server.py, and for
+# FTP over TLS a second proftpd (mod_tls) and a second vsftpd that both require TLS.
 #
 #   scripts/ftp/servers.sh start LINK   creates a state folder under /tmp, starts the servers,
 #                                       and points the symbolic link LINK at the folder
@@ -11,7 +12,10 @@
 # The folder holds: user, password (the account on proftpd and pyftpdlib), proftpd.port,
 # pyftpdlib.port, vsftpd.port with vsftpd.user and vsftpd.password (its anonymous account),
 # fault.ports ("scenario port" lines), root/ (the served tree, the account's home),
-# transcripts/ (what the fault server received) and the servers' pid and log files.
+# transcripts/ (what the fault server received) and the servers' pid and log files. The TLS
+# servers: proftpd_tls.port (the account of proftpd), vsftpd_tls.port with vsftpd_tls.user and
+# vsftpd_tls.password, and tls.pem, the self-signed certificate both present (for
+# "localhost" only, so that 127.0.0.1 is a wrong host name for it).
 #
 # vsftpd conflicts with proftpd-basic in apt (installing one removes the other), so it is
 # never installed: its package is downloaded and unpacked into $PELICOR_CACHE (default
@@ -68,14 +72,28 @@ for name, size in sizes.items():
 PY
 }
 
-start_proftpd() {
-  local dir=$1 port hash
-  port=$(free_port)
+# A key and a self-signed certificate for "localhost", valid for two days.
+make_certificate() {
+  local dir=$1
+  openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost \
+    -addext subjectAltName=DNS:localhost -keyout "$dir/tls.key" -out "$dir/tls.pem" 2>/dev/null
+  chmod 0600 "$dir/tls.key"
+}
+
+make_accounts() {
+  local dir=$1 hash
   hash=$(openssl passwd -6 "$password")
   echo "$user:$hash:65534:65534::$dir/root:/bin/false" >"$dir/passwd"
   echo "nogroup:x:65534:" >"$dir/group"
   chmod 0600 "$dir/passwd" "$dir/group"
-  cat >"$dir/proftpd.conf" <<CONF
+}
+
+# start_proftpd DIR NAME [CONFIGURATION]: an instance with its own port, pid and log files;
+# CONFIGURATION is added to the common part.
+start_proftpd() {
+  local dir=$1 name=$2 extra=${3:-} port
+  port=$(free_port)
+  cat >"$dir/$name.conf" <<CONF
 ServerName "pelicor test"
 ServerType standalone
 DefaultServer on
@@ -87,11 +105,11 @@ PassivePorts 40000 60000
 User nobody
 Group nogroup
 MaxInstances 40
-PidFile $dir/proftpd.pid
-ScoreboardFile $dir/proftpd.scoreboard
-DelayTable $dir/proftpd.delay
+PidFile $dir/$name.pid
+ScoreboardFile $dir/$name.scoreboard
+DelayTable $dir/$name.delay
 DelayEngine off
-SystemLog $dir/proftpd.log
+SystemLog $dir/$name.log
 TransferLog none
 WtmpLog off
 UseReverseDNS off
@@ -102,11 +120,29 @@ RequireValidShell off
 DefaultRoot ~
 AllowOverwrite off
 TimeoutIdle 120
+$extra
 CONF
-  timeout "$lifetime" proftpd -n -q -c "$dir/proftpd.conf" >>"$dir/proftpd.log" 2>&1 &
-  echo $! >"$dir/proftpd.wrapper.pid"
-  wait_for "$dir/proftpd.pid"
-  echo "$port" >"$dir/proftpd.port"
+  timeout "$lifetime" proftpd -n -q -c "$dir/$name.conf" >>"$dir/$name.log" 2>&1 &
+  echo $! >"$dir/$name.wrapper.pid"
+  wait_for "$dir/$name.pid"
+  echo "$port" >"$dir/$name.port"
+}
+
+# TLS required on control and data connections, with the session of the control connection
+# resumed on each data connection (mod_tls requires that unless told otherwise).
+proftpd_tls_configuration() {
+  local dir=$1
+  cat <<CONF
+ModulePath /usr/lib/proftpd
+LoadModule mod_tls.c
+TLSEngine on
+TLSLog $dir/proftpd_tls.tls.log
+TLSProtocol TLSv1.2 TLSv1.3
+TLSRSACertificateFile $dir/tls.pem
+TLSRSACertificateKeyFile $dir/tls.key
+TLSVerifyClient off
+TLSRequired on
+CONF
 }
 
 # Downloads the vsftpd package (not installing it) and unpacks it into the cache.
@@ -125,16 +161,17 @@ fetch_vsftpd() {
   rm -rf "$tmp"
 }
 
-# Anonymous, read-only, on 127.0.0.1, serving the same tree. vsftpd wants an empty folder
-# that nobody can write to for its unprivileged process (secure_chroot_dir); the system's
+# start_vsftpd DIR NAME [CONFIGURATION]: anonymous, read-only, on 127.0.0.1, serving the same
+# tree; CONFIGURATION is added to the common part. vsftpd wants an empty folder that nobody
+# can write to for its unprivileged process (secure_chroot_dir); the system's
 # (/var/run/vsftpd/empty) exists only when the package is installed, so we make our own.
 start_vsftpd() {
-  local dir=$1 port
+  local dir=$1 name=$2 extra=${3:-} port
   [ -x "$vsftpd" ] || return 0
   port=$(free_port)
   mkdir -p "$dir/vsftpd.empty"
   chmod 0555 "$dir/vsftpd.empty"
-  cat >"$dir/vsftpd.conf" <<CONF
+  cat >"$dir/$name.conf" <<CONF
 listen=YES
 listen_ipv6=NO
 listen_address=127.0.0.1
@@ -156,26 +193,44 @@ port_enable=YES
 connect_from_port_20=NO
 xferlog_enable=NO
 syslog_enable=NO
-vsftpd_log_file=$dir/vsftpd.log
+vsftpd_log_file=$dir/$name.log
 pam_service_name=vsftpd
 tcp_wrappers=NO
 hide_ids=YES
 ftpd_banner=vsftpd ready
+$extra
 CONF
-  timeout "$lifetime" "$vsftpd" "$dir/vsftpd.conf" >>"$dir/vsftpd.log" 2>&1 &
-  echo $! >"$dir/vsftpd.wrapper.pid"
+  timeout "$lifetime" "$vsftpd" "$dir/$name.conf" >>"$dir/$name.log" 2>&1 &
+  echo $! >"$dir/$name.wrapper.pid"
   # vsftpd writes no pid file: wait until its port answers.
   for _ in $(seq 1 50); do
     if "$python" -c 'import socket, sys
 socket.create_connection(("127.0.0.1", int(sys.argv[1])), 1).close()' "$port" 2>/dev/null; then
-      echo anonymous >"$dir/vsftpd.user"
-      echo pelicor@ >"$dir/vsftpd.password"
-      echo "$port" >"$dir/vsftpd.port"
+      echo anonymous >"$dir/$name.user"
+      echo pelicor@ >"$dir/$name.password"
+      echo "$port" >"$dir/$name.port"
       return 0
     fi
     sleep 0.1
   done
-  echo "ftp servers: vsftpd did not come up; its tests will skip" >&2
+  echo "ftp servers: $name did not come up; its tests will skip" >&2
+}
+
+# TLS required for the log-on and every data connection, each of which must resume the
+# control connection's session (what vsftpd does by default, and local accounts would get
+# with force_local_logins_ssl and force_local_data_ssl).
+vsftpd_tls_configuration() {
+  local dir=$1
+  cat <<CONF
+ssl_enable=YES
+allow_anon_ssl=YES
+force_anon_logins_ssl=YES
+force_anon_data_ssl=YES
+require_ssl_reuse=YES
+ssl_ciphers=HIGH
+rsa_cert_file=$dir/tls.pem
+rsa_private_key_file=$dir/tls.key
+CONF
 }
 
 start_python() {
@@ -197,9 +252,13 @@ start() {
   echo "$password" >"$dir/password"
   mkdir -p "$dir/transcripts"
   make_tree "$dir"
-  start_proftpd "$dir"
+  make_accounts "$dir"
+  make_certificate "$dir"
+  start_proftpd "$dir" proftpd
+  start_proftpd "$dir" proftpd_tls "$(proftpd_tls_configuration "$dir")"
   fetch_vsftpd
-  start_vsftpd "$dir"
+  start_vsftpd "$dir" vsftpd
+  start_vsftpd "$dir" vsftpd_tls "$(vsftpd_tls_configuration "$dir")"
   start_python "$dir" pyftpdlib "$here/pyftpd_server.py" "$dir"
   start_python "$dir" fault "$here/fault_server.py" "$dir"
   wait_for "$dir/pyftpdlib.port"

@@ -33,6 +33,9 @@ struct Connection {
   bool active = false;
   bool passive = false;  // the default; kept so that older scripts still run
   int timeout = 30;
+  bool tls = false;
+  std::string ca_file;
+  bool insecure = false;
 };
 
 // The first line of the password file, or --password, or the environment's.
@@ -44,6 +47,17 @@ std::string Password(const Connection& connection) {
                            kPasswordVariable);
 }
 
+// FTP over TLS as asked; --insecure is said out loud, as it gives the password to whoever
+// can pose as the server.
+void SetTls(transport::CFtpManager& manager, const Connection& connection) {
+  if (!connection.tls) return;
+  if (connection.insecure) {
+    std::cerr << "pelicor: warning: --insecure: the certificate of " << connection.host
+              << " is not checked; whoever can pose as that server gets the password\n";
+  }
+  manager.SetTls(true, transport::TlsOptions{connection.ca_file, !connection.insecure});
+}
+
 // A manager logged on to the dump directory, writing into `work_dir`. A failed log-on says
 // why in the client's words after the message every host knows:
 //   FTP failed to logon with the given info! Check ftp hostname/username/password.
@@ -52,6 +66,7 @@ std::unique_ptr<transport::CFtpManager> Connect(const Connection& connection,
                                                 const std::string& work_dir) {
   const std::string password = Password(connection);
   auto manager = std::make_unique<transport::CFtpManager>();
+  SetTls(*manager, connection);
   manager->SetConnectInfo(connection.host.c_str(), connection.user.c_str(), password.c_str(),
                           connection.udump.c_str());
   manager->SetWorkDir(work_dir);
@@ -65,6 +80,28 @@ std::unique_ptr<transport::CFtpManager> Connect(const Connection& connection,
                              manager->LastFailureReason() + ")");
   }
   return manager;
+}
+
+void AddTlsOptions(CLI::App& command, Connection& connection) {
+  CLI::Option* tls =
+      command
+          .add_flag("--tls", connection.tls,
+                    "FTP over TLS (AUTH TLS): encrypt the log-on and the data; stop when the "
+                    "server refuses")
+          ->group("Connection");
+  CLI::Option* ca_file =
+      command
+          .add_option("--ca-file", connection.ca_file,
+                      "Trust the certificate authorities in FILE (PEM), not the system's")
+          ->option_text("FILE")
+          ->needs(tls)
+          ->group("Connection");
+  command
+      .add_flag("--insecure", connection.insecure,
+                "Accept any certificate (a test server's self-signed one); warns on stderr")
+      ->needs(tls)
+      ->excludes(ca_file)
+      ->group("Connection");
 }
 
 void AddConnectionOptions(CLI::App& command, Connection& connection) {
@@ -100,6 +137,7 @@ void AddConnectionOptions(CLI::App& command, Connection& connection) {
       ->capture_default_str()
       ->check(CLI::Range(1, 86400))
       ->group("Connection");
+  AddTlsOptions(command, connection);
 }
 
 template <typename Args>

@@ -8,8 +8,26 @@
 
 namespace facade {
 
+int CPelicor::SetFtpTls(std::uint16_t useTls, const char* caFile, std::uint16_t insecure,
+                        std::string* msg) {
+  return RunMethod(msg, [&] {
+    if (useTls != 0 && !transport::TlsAvailable()) {
+      throw exceptions::ExceptionBase(
+          "Pelicor", "CPelicor", "SetFtpTls",
+          "FTP over TLS is not available in this build (it was built without OpenSSL)");
+    }
+    ftp_tls_ = useTls != 0;
+    ftp_tls_options_ = transport::TlsOptions{Text(caFile), insecure == 0};
+  });
+}
+
+void CPelicor::ApplyFtpTls(transport::CFtpManager& manager) const {
+  if (ftp_tls_) manager.SetTls(true, ftp_tls_options_);
+}
+
 // The manager appends the separator to the working directory itself.
 void CPelicor::ConnectFtp(transport::CFtpManager& manager) const {
+  ApplyFtpTls(manager);
   manager.SetConnectInfo(ftp_info_);
   manager.SetWorkDir(working_dir_);
   manager.Init();

@@ -19,6 +19,7 @@ int CPelicor::FtpValidation(const char* hostname, const char* username, const ch
     // The stored FTP settings stay as they are: only this session sees the given ones. The
     // manager goes without a QUIT; releasing it closes the connection.
     transport::CFtpManager manager;
+    ApplyFtpTls(manager);
     manager.SetConnectInfo(hostname, username, password, udump);
     manager.SetWorkDir(working_dir_);
     manager.Init();

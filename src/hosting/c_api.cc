@@ -311,4 +311,11 @@ int pelicor_SftpParseFile(pelicor* p, const char* fileName, unsigned short parse
       });
 }
 
+int pelicor_SetFtpTls(pelicor* p, unsigned short useTls, const char* caFile,
+                      unsigned short insecure, char** msg) {
+  return Invoke(p, msg, [&](facade::CPelicor& s, std::string* m) {
+    return s.SetFtpTls(useTls, caFile, insecure, m);
+  });
+}
+
 }  // extern "C"

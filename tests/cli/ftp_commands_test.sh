@@ -100,6 +100,39 @@ check "get stops past --max-size" \
 "$pelicor" ftp list --help | grep -q -- '--password TEXT.*discouraged'
 check "help discourages --password" "0" "$?"
 
+# FTP over TLS against proftpd with mod_tls, whose certificate names "localhost" only.
+tls_port=$(cat "$state/proftpd_tls.port")
+tls() {  # tls HOST UDUMP: the connection options for the TLS server
+  echo --host "$1:$tls_port" --user "$(cat "$state/user")" --udump "$2" --password-file "$work/password"
+}
+ca="--tls --ca-file $state/tls.pem"
+check "list over TLS" "sample_9i.trc" "$("$pelicor" ftp list $(tls localhost traces) $ca -p 's*' 2>&1)"
+mkdir "$work/tls"
+"$pelicor" ftp get repeated_9i.trc $(tls localhost traces) $ca --active -o "$work/tls"
+cmp -s "$served/traces/repeated_9i.trc" "$work/tls/repeated_9i.trc"
+check "get over TLS, active" "0" "$?"
+"$pelicor" ftp xml repeated_9i.trc --aggregate $(tls localhost traces) $ca >"$work/tls.xml"
+"$pelicor" xml "$served/traces/repeated_9i.trc" --aggregate >"$work/local.xml"
+cmp -s "$work/local.xml" "$work/tls.xml"
+check "xml over TLS as from the local file" "0" "$?"
+out=$("$pelicor" ftp find 4711 $(tls 127.0.0.1 lookup) --tls --insecure 2>"$work/err")
+check "--insecure warns and goes on" \
+  "4711_ora.trc 4711|pelicor: warning: --insecure: the certificate of 127.0.0.1:$tls_port is not checked; whoever can pose as that server gets the password" \
+  "$out|$(cat "$work/err")"
+while IFS='|' read -r name to options expected; do
+  check "$name, exit 1" "pelicor: $expected 1" \
+    "$("$pelicor" ftp list $(tls "$to" traces) $options 2>&1) $?"
+done <<CASES
+TLS required, not asked|127.0.0.1||FTP failed to logon: 127.0.0.1:$tls_port requires an encrypted connection (FTP over TLS), which is not switched on! Server reply: 550 SSL/TLS required on the control channel
+a certificate of an unknown CA|localhost|--tls|FTP failed to secure the connection to localhost:$tls_port: certificate verify failed: self-signed certificate
+a wrong host name|127.0.0.1|$ca|FTP failed to secure the connection to 127.0.0.1:$tls_port: certificate verify failed: IP address mismatch
+CASES
+check "TLS refused by a server without it, exit 1" \
+  "pelicor: FTP over TLS refused by $host, so the user name and password were not sent! Server reply: 500 AUTH not understood 1" \
+  "$("$pelicor" ftp list $(at traces) --tls 2>&1) $?"
+check "--ca-file needs --tls" "--ca-file requires --tls" \
+  "$("$pelicor" ftp list $(at traces) --ca-file "$state/tls.pem" 2>&1 | head -1)"
+
 # Downloads take their name only when complete: a failed one leaves nothing and removes
 # nothing that was there, a complete one replaces a link rather than writing through it.
 fault() {  # fault SCENARIO: the connection options for the fault server's scenario

@@ -223,5 +223,37 @@ TEST_F(FtpFlowsTest, TransferCutOffWithoutItsFinalReplyFails) {
   EXPECT_FALSE(service.HasFtpStream());
 }
 
+// Once switched on, FTP over TLS serves every FTP method of the object, the session methods with
+// their own connection data too; switched off, the object speaks plain FTP again.
+TEST_F(FtpFlowsTest, TlsSwitchedOnServesEveryFtpMethod) {
+  if (!transport::TlsAvailable()) {
+    EXPECT_EQ(service_.SetFtpTls(1, nullptr, 0, &msg_), 1);
+    EXPECT_EQ(msg_, "FTP over TLS is not available in this build (it was built without OpenSSL)");
+    return;
+  }
+  AddTrace(Served());
+  const std::string by_name = Servers().Address("proftpd_tls", "localhost");
+  const std::string by_address = Servers().Address("proftpd_tls");
+  const std::string user = Servers().User();
+  const std::string password = Servers().Password();
+  ASSERT_EQ(service_.SetFtpTls(1, Servers().Certificate().c_str(), 0, &msg_), 0);
+  ASSERT_EQ(service_.FtpSetConnectInfo(by_name.c_str(), user.c_str(), password.c_str(),
+                                       Udump().c_str(), &msg_),
+            0);
+  EXPECT_EQ(service_.FtpParseFile(kTrace, 0, 0, 0, &out_, &msg_), 0) << msg_;
+  EXPECT_EQ(Portion(), "select ename+update emp+commit");
+  // The certificate names "localhost" only.
+  EXPECT_EQ(service_.FtpValidation(by_address.c_str(), user.c_str(), password.c_str(),
+                                   Udump().c_str(), "4242", &msg_),
+            1);
+  EXPECT_EQ(msg_, "FTP failed to secure the connection to " + by_address +
+                      ": certificate verify failed: IP address mismatch");
+  ASSERT_EQ(service_.SetFtpTls(0, nullptr, 0, &msg_), 0);
+  EXPECT_EQ(service_.FtpGetTraceFileList(0, &msg_), 1);
+  EXPECT_EQ(msg_, "FTP failed to logon: " + by_name +
+                      " requires an encrypted connection (FTP over TLS), which is not switched "
+                      "on! Server reply: 550 SSL/TLS required on the control channel");
+}
+
 }  // namespace
 }  // namespace facade_test

@@ -98,6 +98,14 @@ int main(int argc, char** argv) {
   EXPECT(pelicor_SftpGetTraceFilePID(p, "4242", 0, &out, &msg), 1,
          "SFTP is not available in this build (it was built without libssh)", "");
 #endif
+  /* FTP over TLS, beyond the 25 methods: switched on and off again without contacting anyone. */
+#ifdef PELICOR_WITH_TLS
+  EXPECT(pelicor_SetFtpTls(p, 1, NULL, 0, &msg), 0, "OK", NULL);
+#else
+  EXPECT(pelicor_SetFtpTls(p, 1, NULL, 0, &msg), 1,
+         "FTP over TLS is not available in this build (it was built without OpenSSL)", NULL);
+#endif
+  EXPECT(pelicor_SetFtpTls(p, 0, NULL, 0, &msg), 0, "OK", NULL);
   /* No object: every output still set. */
   EXPECT(pelicor_SetWorkingDir(NULL, dir, &msg), 1, null_object, NULL);
   EXPECT(pelicor_NfsGetTraceFilePID(NULL, "4242", 0, &out, &msg), 1, null_object, "");

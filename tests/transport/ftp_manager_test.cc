@@ -248,35 +248,72 @@ TEST_F(FtpManagerTest, TwoManagersOnOneThreadKeepTheirOwnSessions) {
   streaming->Close();
 }
 
-// A server that asks for TLS is named as such; the client's own reason is kept for the command.
+// A server that asks for TLS is named as such, and FTP over TLS says what failed and where; the
+// client's own reason is kept for the command where the message does not hold it.
 TEST_F(FtpManagerTest, LogonFailuresSayWhy) {
   const FtpServers* servers = FtpServers::Get();
+  const TlsOptions system_trust{"", true};
+  const TlsOptions test_ca{servers->Certificate(), true};
+  const TlsOptions missing_ca{"/no/such/ca.pem", true};
   const struct {
     std::string host;
+    const TlsOptions* tls;  // null: plain FTP
     std::string message;
     std::string reason;
   } cases[] = {
-      {servers->Address("tls_required"),
-       "FTP failed to logon: the server requires an encrypted connection (FTP over TLS)! Server "
-       "reply: 530 Non-anonymous sessions must use encryption.",
-       "Answer was not expected (530 Non-anonymous sessions must use encryption.)"},
-      {servers->Address("proftpd"),
+      {servers->Address("tls_required"), nullptr,
+       "FTP failed to logon: " + servers->Address("tls_required") +
+           " requires an encrypted connection (FTP over TLS), which is not switched on! Server "
+           "reply: 530 Non-anonymous sessions must use encryption.",
+       ""},
+      {servers->Address("proftpd_tls"), nullptr,
+       "FTP failed to logon: " + servers->Address("proftpd_tls") +
+           " requires an encrypted connection (FTP over TLS), which is not switched on! Server "
+           "reply: 550 SSL/TLS required on the control channel",
+       ""},
+      // The fault server knows no AUTH; its transcript shows that nothing followed.
+      {servers->Address("tls_required"), &test_ca,
+       "FTP over TLS refused by " + servers->Address("tls_required") +
+           ", so the user name and password were not sent! Server reply: 500 Unknown command.",
+       ""},
+      {servers->Address("proftpd_tls", "localhost"), &system_trust,
+       "FTP failed to secure the connection to " + servers->Address("proftpd_tls", "localhost") +
+           ": certificate verify failed: self-signed certificate",
+       ""},
+      {servers->Address("proftpd_tls"), &test_ca,
+       "FTP failed to secure the connection to " + servers->Address("proftpd_tls") +
+           ": certificate verify failed: IP address mismatch",
+       ""},
+      {servers->Address("proftpd_tls", "localhost"), &missing_ca,
+       "FTP failed to secure the connection to " + servers->Address("proftpd_tls", "localhost") +
+           ": cannot load the CA file /no/such/ca.pem: No such file or directory",
+       ""},
+      {servers->Address("tls_silent"), &test_ca,
+       "FTP failed to secure the connection to " + servers->Address("tls_silent") +
+           ": the TLS handshake timed out",
+       ""},
+      {servers->Address("proftpd"), nullptr,
        "FTP failed to logon with the given info! Check ftp hostname/username/password.",
        "Server rejects userid/passwd (530 Login incorrect.)"},
-      {"no-such-host.invalid",
+      {"no-such-host.invalid", nullptr,
        "FTP failed to logon with the given info! Check ftp hostname/username/password.",
        "Can not resolve host adress"},
-      {servers->Address("silent"),
+      {servers->Address("silent"), nullptr,
        "FTP failed to logon with the given info! Check ftp hostname/username/password.",
        "Host does not send an answer"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.host);
+    if (c.tls != nullptr && !TlsAvailable()) continue;
     CFtpManager manager;
     manager.SetConnectInfo(c.host.c_str(), "scott", "wrong", "udump");
     manager.SetTimeOut(1);
+    if (c.tls != nullptr) manager.SetTls(true, *c.tls);
     EXPECT_EQ(Raised([&] { manager.Init(); }), "FtpManager|FtpManger|Init|" + c.message);
     EXPECT_EQ(manager.LastFailureReason(), c.reason);
+  }
+  if (TlsAvailable()) {
+    EXPECT_EQ(servers->Transcript("tls_required"), "AUTH TLS\n");
   }
 }
 

@@ -1,5 +1,5 @@
 // The FTP client against real servers on 127.0.0.1: proftpd, pyftpdlib and vsftpd, each in
-// passive and active mode.
+// passive and active mode, and proftpd and vsftpd again over TLS (servers that require it).
 #include <cstdlib>
 #include <ostream>
 #include <set>
@@ -23,6 +23,7 @@ using pelicor_test::ScratchDir;
 struct Mode {
   const char* server;
   bool passive;
+  bool tls = false;
 };
 
 // So that ctest lists "proftpd passive", not the bytes of the struct.
@@ -51,32 +52,46 @@ class FtpServerTest : public ::testing::TestWithParam<Mode> {
     PELICOR_REQUIRE_FTP_SERVERS();
     servers_ = FtpServers::Get();
     if (!servers_->Has(GetParam().server)) GTEST_SKIP() << GetParam().server << " did not start";
+    if (GetParam().tls && !TlsAvailable()) GTEST_SKIP() << "a build without TLS";
     ASSERT_EQ(FtpInit(), 0);
-    FtpSetSynchronousMode();
-    FtpSetDefaultTimeOut(5);
-    FtpSetPassiveMode(GetParam().passive);
-    FtpSetVerboseMode(std::getenv("PELICOR_FTP_VERBOSE") != nullptr);
-    ASSERT_EQ(Login(), 0) << FtpLastReply();
+    Configure();
+    ASSERT_EQ(Login(), 0) << FtpLastReply() << FtpLastTlsFailure();
     ASSERT_EQ(FtpCWD("udump"), 0);
   }
   void TearDown() override { FtpRelease(); }
 
-  int Login() {
-    return FtpLogin(servers_->Address(GetParam().server).c_str(), User().c_str(),
+  // The calling thread's session as the parameter wants it.
+  void Configure() const {
+    FtpSetSynchronousMode();
+    FtpSetDefaultTimeOut(5);
+    FtpSetPassiveMode(GetParam().passive);
+    FtpSetVerboseMode(std::getenv("PELICOR_FTP_VERBOSE") != nullptr);
+    if (GetParam().tls) FtpSetTls(true, TlsOptions{servers_->Certificate(), true});
+  }
+  // Over TLS by the name the certificate has.
+  int Login() const {
+    return FtpLogin(Address().c_str(), User().c_str(),
                     servers_->Password(GetParam().server).c_str());
+  }
+  std::string Address() const {
+    return servers_->Address(GetParam().server, GetParam().tls ? "localhost" : "127.0.0.1");
   }
   std::string User() const { return servers_->User(GetParam().server); }
   std::string Served(const std::string& name) const {
     return ReadWholeFile(servers_->Served("udump/" + name));
   }
-  bool Is(const char* server) const { return std::string(GetParam().server) == server; }
+  // The server's kind, with or without TLS.
+  bool Is(const char* server) const {
+    const std::string name = GetParam().server;
+    return name.substr(0, name.find("_tls")) == server;
+  }
 
   const FtpServers* servers_ = nullptr;
   ScratchDir dir_;
 };
 
 TEST_P(FtpServerTest, NavigatesAndRefusesWhatIsNotThere) {
-  const std::string address = servers_->Address(GetParam().server);
+  const std::string address = Address();
   // vsftpd's account is anonymous: any password will do.
   if (!Is("vsftpd")) {
     EXPECT_EQ(FtpLogin(address.c_str(), User().c_str(), "wrong"), 1009);
@@ -200,9 +215,7 @@ TEST_P(FtpServerTest, SessionsOfTwoThreadsRunAtOnce) {
   for (int i = 0; i < 2; ++i) {
     threads.emplace_back([&, i] {
       FtpInit();
-      FtpSetSynchronousMode();
-      FtpSetDefaultTimeOut(5);
-      FtpSetPassiveMode(GetParam().passive);
+      Configure();
       results[static_cast<std::size_t>(i)] =
           Login() + FtpRecvFile(i == 0 ? "udump/big.bin" : "udump/ora_1234.trc",
                                 dir_.File("thread" + std::to_string(i)).c_str(), 'I', false);
@@ -215,11 +228,13 @@ TEST_P(FtpServerTest, SessionsOfTwoThreadsRunAtOnce) {
   EXPECT_EQ(ReadWholeFile(dir_.File("thread1")), Served("ora_1234.trc"));
 }
 
-INSTANTIATE_TEST_SUITE_P(RealServers, FtpServerTest,
-                         ::testing::Values(Mode{"proftpd", true}, Mode{"proftpd", false},
-                                           Mode{"pyftpdlib", true}, Mode{"pyftpdlib", false},
-                                           Mode{"vsftpd", true}, Mode{"vsftpd", false}),
-                         ModeName);
+INSTANTIATE_TEST_SUITE_P(
+    RealServers, FtpServerTest,
+    ::testing::Values(Mode{"proftpd", true}, Mode{"proftpd", false}, Mode{"pyftpdlib", true},
+                      Mode{"pyftpdlib", false}, Mode{"vsftpd", true}, Mode{"vsftpd", false},
+                      Mode{"proftpd_tls", true, true}, Mode{"proftpd_tls", false, true},
+                      Mode{"vsftpd_tls", true, true}, Mode{"vsftpd_tls", false, true}),
+    ModeName);
 
 }  // namespace
 }  // namespace transport

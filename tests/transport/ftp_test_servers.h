@@ -25,12 +25,15 @@ class FtpServers {
     return servers;
   }
 
-  // "127.0.0.1:PORT" of "proftpd", "pyftpdlib" or a fault scenario.
-  std::string Address(const std::string& server) const {
+  // "127.0.0.1:PORT" of "proftpd", "pyftpdlib" or a fault scenario; `host` in place of
+  // 127.0.0.1 ("localhost", the name the TLS servers' certificate has).
+  std::string Address(const std::string& server, const std::string& host = "127.0.0.1") const {
     std::string port = Trim(ReadWholeFile(state_ / (server + ".port")));
     if (port.empty()) port = FaultPort(server);
-    return "127.0.0.1:" + port;
+    return host + ":" + port;
   }
+  // The self-signed certificate of the TLS servers.
+  std::string Certificate() const { return (state_ / "tls.pem").string(); }
   // The account on `server` (vsftpd has its own, anonymous one), or on proftpd and pyftpdlib.
   std::string User(const std::string& server = "") const { return Account(server, "user"); }
   std::string Password(const std::string& server = "") const { return Account(server, "password"); }

@@ -44,6 +44,16 @@ constexpr ReplyResult kRest[] = {{-1, 2002},  {0, 3001},   {350, 3}, {500, 3003}
                                  {502, 3003}, {504, 3003}, {kEnd, 0}};
 constexpr ReplyResult kEndOfTransfer[] = {{-1, 2002},  {0, 3001},   {226, 0}, {250, 0},
                                           {421, 1008}, {552, 1005}, {kEnd, 0}};
+// A server without TLS answers AUTH as a command it does not know ("500 AUTH not understood",
+// proftpd), one with TLS switched off or forbidden by policy may say 431, 502, 504 or 534:
+// each means that the session cannot be secured. PBSZ and PROT are refused alike (536: the
+// protection level is not supported).
+constexpr ReplyResult kAuth[] = {{-1, 2002},  {0, 3001},   {234, 0},    {421, 1008},
+                                 {431, 3006}, {500, 3006}, {502, 3006}, {504, 3006},
+                                 {530, 3006}, {534, 3006}, {kEnd, 0}};
+constexpr ReplyResult kProtection[] = {{-1, 2002},  {0, 3001},   {200, 0},    {421, 1008},
+                                       {500, 3006}, {502, 3006}, {503, 3006}, {504, 3006},
+                                       {530, 3006}, {534, 3006}, {536, 3006}, {kEnd, 0}};
 
 struct Row {
   const char* verb;  // null: the row sends nothing
@@ -52,11 +62,12 @@ struct Row {
 
 // Indexed by FtpCommand. MKD accepts 227 and RMD 257, as the client always has.
 constexpr Row kRows[kCommandCount] = {
-    {nullptr, kGreeting}, {"USER", kUser},       {"PASS", kPass}, {"ACCT", kAcct},
-    {"QUIT", kQuit},      {"HELP", kHelp},       {"HELP", kHelp}, {"DELE", kFileAction},
-    {"CWD", kFileAction}, {"CDUP", kFileAction}, {"MKD", kMkd},   {"RMD", kRmd},
-    {"PWD", kPwd},        {"TYPE", kType},       {"RNFR", kRnfr}, {"RNTO", kRnto},
-    {"SYST", kSyst},      {"NOOP", kNoop},       {"REST", kRest}, {nullptr, kEndOfTransfer},
+    {nullptr, kGreeting}, {"USER", kUser},       {"PASS", kPass},       {"ACCT", kAcct},
+    {"QUIT", kQuit},      {"HELP", kHelp},       {"HELP", kHelp},       {"DELE", kFileAction},
+    {"CWD", kFileAction}, {"CDUP", kFileAction}, {"MKD", kMkd},         {"RMD", kRmd},
+    {"PWD", kPwd},        {"TYPE", kType},       {"RNFR", kRnfr},       {"RNTO", kRnto},
+    {"SYST", kSyst},      {"NOOP", kNoop},       {"REST", kRest},       {nullptr, kEndOfTransfer},
+    {"AUTH", kAuth},      {"PBSZ", kProtection}, {"PROT", kProtection},
 };
 
 bool TakesArgument(FtpCommand command) {

@@ -29,6 +29,9 @@ enum FtpCommand : int {
   kCmdNoop,
   kCmdRest,
   kCmdEndOfTransfer,  // no command: reads the reply that ends a transfer
+  kCmdAuth,           // FTP over TLS (RFC 4217): AUTH TLS, PBSZ 0, PROT P
+  kCmdPbsz,
+  kCmdProt,
   kCommandCount
 };
 

@@ -21,6 +21,7 @@
 
 #include "support/os/file_handle.h"
 #include "transport/ftp/ftp_codes.h"
+#include "transport/tls/tls.h"
 
 namespace transport {
 
@@ -69,8 +70,21 @@ int FtpSetDefaultPort(std::uint16_t port);
 // its connect, every reply, the data connection and each stall of a transfer.
 int FtpSetDefaultTimeOut(int seconds);
 
-// Connects to `host` ("name", "name:port", "[v6addr]:port"), reads the greeting, and sends
-// USER and PASS when given. 1 when the server wants a password and none was given.
+// FTP over TLS (RFC 4217), off at start: FtpLogin then sends "AUTH TLS" after the greeting
+// and secures the control connection, checking the server's certificate by `options` against
+// the host as FtpLogin names it, before USER and PASS go out. Every data connection is secured
+// too (PBSZ 0 and PROT P before the first), resuming the control connection's TLS session.
+// A server that refuses (AUTH TLS, PBSZ or PROT) gives 3006, a failed handshake 2010, with
+// FtpLastTlsFailure saying why; nothing goes out in clear text after either. 1017 when this
+// build has no TLS.
+int FtpSetTls(bool on, const TlsOptions& options = TlsOptions());
+// Why the last TLS handshake of the session failed, in OpenSSL's words where it has them
+// ("certificate verify failed: self-signed certificate"); empty when none did.
+std::string FtpLastTlsFailure();
+
+// Connects to `host` ("name", "name:port", "[v6addr]:port"), reads the greeting, secures the
+// connection when TLS is on, and sends USER and PASS when given. 1 when the server wants a
+// password and none was given.
 int FtpLogin(const char* host, const char* user, const char* password,
              const FtpNotify& notify = nullptr);
 int FtpSendAccount(const char* account);

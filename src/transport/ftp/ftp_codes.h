@@ -30,6 +30,7 @@ enum FtpResult : int {
   kFtpTemporaryDeleteError = 1014,
   kFtpFirewallRejects = 1015,
   kFtpSynchronousOnly = 1016,
+  kFtpTlsUnavailable = 1017,
   kFtpUnknownHost = 2001,
   kFtpNoAnswer = 2002,
   kFtpConnectError = 2003,
@@ -39,11 +40,13 @@ enum FtpResult : int {
   kFtpTimeout = 2007,
   kFtpFirewallConnectError = 2008,
   kFtpFirewallNoServer = 2009,
+  kFtpTlsFailed = 2010,  // FtpLastTlsFailure says why
   kFtpUnexpectedAnswer = 3001,
   kFtpTypeRejected = 3002,
   kFtpNotImplemented = 3003,
   kFtpPwdWithoutDirectory = 3004,
   kFtpNoPassiveMode = 3005,
+  kFtpTlsRefused = 3006,  // AUTH TLS, PBSZ or PROT refused
   kFtpNoResources = 5002,
   kFtpNoHeapMemory = 5003,
   kFtpNoSocket = 5004,

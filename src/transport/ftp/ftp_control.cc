@@ -36,11 +36,14 @@ int Connect(FtpSession& session, const char* host_text) {
   session.reply.fill('\0');
   session.epsv_refused = false;
   session.data_stalled = false;
+  session.tls_failure.clear();
+  session.host = host;
   const int status = TcpConnect(&session.control, host.c_str(), port == kFtpPort ? "ftp" : nullptr,
                                 &port, session.deadline);
   if (status != kTcpSuccess) return ConnectResult(status);
   session.type = kFtpTypeAscii;
-  return RunCommand(session, kCmdGreeting, nullptr);
+  const int result = RunCommand(session, kCmdGreeting, nullptr);
+  return result == kFtpOk ? SecureControl(session) : result;
 }
 
 // Runs a command on the caller's session.

@@ -146,9 +146,15 @@ void DropTransfer(FtpSession& session) {
 }
 
 // A data connection left open (a stream the caller never closed) still owes its final
-// reply; reading it keeps the next reply in step with the next command.
+// reply; reading it keeps the next reply in step with the next command. Over TLS the transfer
+// is stopped with ABOR: proftpd takes a secured data connection closed under its writes for
+// an attack and drops the whole session ("mod_tls: unexpected OpenSSL error, disconnecting").
 void FinishLeftoverTransfer(FtpSession& session) {
   if (session.data_socket == kNoSocket) return;
+  if (session.tls && !session.data_stalled) {
+    AbortAction(session, true, false, 30);
+    return;
+  }
   TcpClose(&session.data_socket);
   if (!session.data_stalled) ReadReply(session);
 }
@@ -182,7 +188,8 @@ int OpenDataConnection(FtpSession& session, const std::string& command, const ch
     session.local_file = OpenLocal(local, file_action);
     if (session.local_file == os::kNoFile) return kFtpCannotOpenFile;
   }
-  int result = OpenDataPath(session);
+  int result = ProtectData(session);
+  if (result == kFtpOk) result = OpenDataPath(session);
   if (result == kFtpOk && offset > 0) {
     result = Restart(session, offset);
     if (result == kFtpRestartOk) result = kFtpOk;
@@ -202,7 +209,9 @@ int OpenDataConnection(FtpSession& session, const std::string& command, const ch
       return session.aborted ? kFtpAborted : kFtpDataConnectionFailed;
     }
   }
-  return kFtpOk;
+  result = SecureData(session);
+  if (result != kFtpOk) CloseLocalFile(session);
+  return result;
 }
 
 }  // namespace transport

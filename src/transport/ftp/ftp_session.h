@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -47,6 +48,14 @@ struct FtpSession {
   Deadline deadline;
   // The last receive on the data connection timed out: its final reply is not waited for.
   bool data_stalled = false;
+  // FTP over TLS: asked for, with its trust; the host the control connection was made to
+  // (what the certificate must name); PBSZ and PROT accepted on this connection; why the last
+  // handshake failed.
+  bool tls = false;
+  TlsOptions tls_options;
+  std::string host;
+  bool data_protected = false;
+  std::string tls_failure;
   std::array<char, kReplySize> reply{};
   std::deque<std::function<void()>> posted;  // asynchronous work, run by FtpProcessEvents
 };
@@ -89,6 +98,12 @@ int Restart(FtpSession& session, std::int64_t offset);
 int OpenDataConnection(FtpSession& session, const std::string& command, const char* local,
                        int file_action, char type, std::int64_t offset);
 int TransferLoop(FtpSession& session);
+// FTP over TLS, when the session asks for it (each is kFtpOk otherwise): AUTH TLS and the
+// handshake on the control connection; PBSZ and PROT before the first data connection; the
+// handshake on a data connection once the server has answered its command.
+int SecureControl(FtpSession& session);
+int ProtectData(FtpSession& session);
+int SecureData(FtpSession& session);
 int AbortAction(FtpSession& session, bool drain, bool notify, int debug_position);
 // Runs the transfer now, or posts it when the session is asynchronous and has a callback.
 int RunOrPostTransfer(FtpSession& session);

@@ -68,8 +68,10 @@ const char* RetrieveVerb(int action) {
 // BSD clients send it: IAC IP IAC(urgent) DM "ABOR\r\n". The urgent byte makes a server
 // that is busy sending (proftpd) look at its control connection. ABOR itself goes in band:
 // as urgent data its last byte would be taken out of the stream and the server would read
-// the next command glued to "ABOR\r".
+// the next command glued to "ABOR\r". TLS has no urgent data, and the Telnet bytes would reach
+// the server in band in front of the command: over TLS it is ABOR alone.
 int SendAbort(FtpSession& session) {
+  if (session.tls) return SendLine(session, "ABOR");
   const char synch[] = {'\xff', '\xf4', '\xff'};
   if (TcpSend(session.control, synch, sizeof synch, true, kNoLog) != kTcpSuccess) {
     return kFtpCannotSend;

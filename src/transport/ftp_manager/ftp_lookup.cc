@@ -40,9 +40,10 @@ std::vector<std::string> CFtpManager::ListCandidates(const std::string& pattern,
                                                      const std::string& session,
                                                      const std::string& listing,
                                                      bool none_is_empty) {
-  if (ListInto(pattern, listing, false) != kFtpOk) {
+  if (const int result = ListInto(pattern, listing, false); result != kFtpOk) {
     if (none_is_empty && ListsNothing(FtpLastReplyCode())) return {};
-    Raise(kManger, "GetFileList", "FTP failed to get trace file for the session!");
+    Raise(kManger, "GetFileList",
+          WithTlsReason("FTP failed to get trace file for the session!", result));
   }
   std::vector<std::string> pieces;
   if (!ReadListingPieces(listing, &pieces)) {

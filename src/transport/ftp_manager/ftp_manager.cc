@@ -26,9 +26,9 @@ std::string FirstLine(const std::string& reply) {
 // A refusal that asks for TLS:
 //   530 Non-anonymous sessions must use encryption.   (vsftpd)
 //   534 Policy requires SSL.
-//   550 SSL/TLS required on the control channel      (FileZilla answers 530 or 550)
+//   550 SSL/TLS required on the control channel      (proftpd; FileZilla answers 530 or 550)
 bool AsksForTls(int code, const std::string& reply) {
-  if (code != 530 && code != 534) return false;
+  if (code != 530 && code != 534 && code != 550) return false;
   std::string lower;
   for (char c : reply) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   for (const char* word : {"tls", "ssl", "encrypt", "secure", "auth"}) {
@@ -127,6 +127,48 @@ void CFtpManager::SetTimeOut(int seconds) {
   FtpSetDefaultTimeOut(seconds);
 }
 
+void CFtpManager::SetTls(bool on, const TlsOptions& options) {
+  const SessionBinding bound(*this);
+  if (FtpSetTls(on, options) == kFtpTlsUnavailable) {
+    Raise(kManger, "SetTls",
+          "FTP over TLS is not available in this build (it was built without OpenSSL)");
+  }
+}
+
+std::string CFtpManager::WithTlsReason(const std::string& message, int result) const {
+  if (result == kFtpTlsFailed) return message + " (" + host_ + ": " + FtpLastTlsFailure() + ")";
+  if (result != kFtpTlsRefused) return message;
+  return message + " (" + host_ + ": " + Reason(result) + ")";
+}
+
+// A refusal of TLS or a failed handshake closes the connection at once: the user name and
+// password never go out in clear text. The messages of FTP over TLS name the host themselves.
+//   FTP over TLS refused by db01:21, so the user name and password were not sent! Server
+//   reply: 500 AUTH not understood
+//   FTP failed to secure the connection to db01:21: certificate verify failed: hostname mismatch
+void CFtpManager::RaiseLogonFailure(int result) {
+  const std::string reply = FtpLastReply();
+  if (result == kFtpTlsRefused) {
+    Raise(kManger, "Init",
+          "FTP over TLS refused by " + host_ +
+              ", so the user name and password were not sent! Server reply: " + FirstLine(reply));
+  }
+  if (result == kFtpTlsFailed) {
+    Raise(kManger, "Init",
+          "FTP failed to secure the connection to " + host_ + ": " + FtpLastTlsFailure());
+  }
+  if (AsksForTls(FtpLastReplyCode(), reply)) {
+    Raise(kManger, "Init",
+          "FTP failed to logon: " + host_ +
+              " requires an encrypted connection (FTP over TLS), which is not switched on! "
+              "Server reply: " +
+              FirstLine(reply));
+  }
+  failure_reason_ = Reason(result);
+  Raise(kManger, "Init",
+        "FTP failed to logon with the given info! Check ftp hostname/username/password.");
+}
+
 void CFtpManager::Init() {
   if (host_.empty() || user_.empty() || password_.empty() || udump_.empty()) {
     Raise(kManger, "Init", "hostname/username/password/udump, one of them is empty!");
@@ -136,16 +178,7 @@ void CFtpManager::Init() {
   FtpSetSynchronousMode();
   if (const int result = FtpLogin(host_.c_str(), user_.c_str(), password_.c_str());
       result != kFtpOk) {
-    failure_reason_ = Reason(result);
-    const std::string reply = FtpLastReply();
-    if (AsksForTls(FtpLastReplyCode(), reply)) {
-      Raise(kManger, "Init",
-            "FTP failed to logon: the server requires an encrypted connection (FTP over TLS)! "
-            "Server reply: " +
-                FirstLine(reply));
-    }
-    Raise(kManger, "Init",
-          "FTP failed to logon with the given info! Check ftp hostname/username/password.");
+    RaiseLogonFailure(result);
   }
   logged_on_ = true;
   if (const int result = FtpCWD(udump_.c_str()); result != kFtpOk) {
@@ -173,8 +206,8 @@ void CFtpManager::GetFileList(std::uint16_t mode, const std::string& pattern) {
   const SessionBinding bound(*this);
   size_probe_open_ = false;  // the listing finishes a data connection left open
   const std::string listing = LocalPath(kListingFileName);
-  if (ListInto(pattern, listing, mode == 1) != kFtpOk) {
-    Raise(kManger, "GetFileList", "FTP failed to get remote file listing!");
+  if (const int result = ListInto(pattern, listing, mode == 1); result != kFtpOk) {
+    Raise(kManger, "GetFileList", WithTlsReason("FTP failed to get remote file listing!", result));
   }
 }
 

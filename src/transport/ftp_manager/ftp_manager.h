@@ -117,6 +117,10 @@ class CFtpManager : public parser::LineSource {
   void SetPassiveMode(bool passive);
   // Seconds an operation may wait for the server (30 at start).
   void SetTimeOut(int seconds);
+  // FTP over TLS (off at start): Init secures the control connection before the user name and
+  // password go out, and every data connection is secured too (FtpSetTls). Throws "FTP over
+  // TLS is not available in this build (it was built without OpenSSL)" where it is not.
+  void SetTls(bool on, const TlsOptions& options = TlsOptions());
   // Writes the rest of the open data stream, as it arrives, into `local_path` (created or
   // truncated), calling `progress` with the bytes written so far, then checks the server's
   // final reply. Throws when more than `max_bytes` arrive (0: no limit). Returns the bytes
@@ -125,7 +129,8 @@ class CFtpManager : public parser::LineSource {
                                const std::function<void(std::uint64_t)>& progress,
                                std::uint64_t max_bytes = 0);
   // Why the last Init failed (log-on or change of directory), in the client's words: "Can
-  // not resolve host adress", or a server's refusal with its reply line. Empty when it did not.
+  // not resolve host adress", or a server's refusal with its reply line. Empty when it did not,
+  // and when FTP over TLS failed: that message names the host and the reason itself.
   const std::string& LastFailureReason() const { return failure_reason_; }
 
   // --- parser::LineSource: the parser's stream forms read through the data stream ----------
@@ -153,6 +158,8 @@ class CFtpManager : public parser::LineSource {
   };
 
   void UnInit();
+  // Throws the message of a failed log-on (FtpLogin's `result`), setting the failure reason.
+  [[noreturn]] void RaiseLogonFailure(int result);
   void SkipBytes(std::uint64_t count);
   // The listing of `pattern` into `local`; a server that refuses a pattern (500, 501, 550) is
   // asked for the whole directory and the names are matched here. The client's result.
@@ -167,6 +174,9 @@ class CFtpManager : public parser::LineSource {
   std::string LocalPath(const std::string& name) const { return work_dir_ + name; }
   // Finishes the data connection a size probe left open, so QUIT is answered at once.
   void FinishSizeProbe();
+  // `message`, followed by the host and the reason when `result` is a failure of FTP over TLS:
+  //   FTP failed to get remote file listing! (db01:21: Server refuses FTP over TLS (534 ...))
+  std::string WithTlsReason(const std::string& message, int result) const;
 
   std::array<char, kBufferSize> buffer_{};
   int buffer_length_ = kBufferSize;

@@ -32,8 +32,11 @@ void CFtpManager::OpenDataStream(const std::string& remote, std::uint64_t offset
   const auto start = static_cast<std::int64_t>(offset);
   if (FtpOpenDataConnection(remote.c_str(), kFtpActionRetrieve, kFtpTypeBinary, start) != kFtpOk) {
     // Servers refuse REST (502) or an offset past the end (proftpd, pyftpdlib: 550 on RETR).
-    if (FtpOpenDataConnection(remote.c_str(), kFtpActionRetrieve, kFtpTypeBinary, 0) != kFtpOk) {
-      Raise(kStreamClass, "FtpOpenDataConnection", "FTP failed to open data stream connection!");
+    if (const int result =
+            FtpOpenDataConnection(remote.c_str(), kFtpActionRetrieve, kFtpTypeBinary, 0);
+        result != kFtpOk) {
+      Raise(kStreamClass, "FtpOpenDataConnection",
+            WithTlsReason("FTP failed to open data stream connection!", result));
     }
     SkipBytes(offset);
   }

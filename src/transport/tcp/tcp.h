@@ -2,7 +2,9 @@
 // whole-buffer sends, and the line protocol of a text control connection (a line sent with
 // CR LF, one line read, a possibly multi-line reply read, its numeric code). Every function
 // returns an integer status (TcpStatus) and never throws. Any thread may call; each call
-// keeps its own state, so threads reading different sockets do not disturb each other.
+// keeps its own state, so threads reading different sockets do not disturb each other. A
+// socket secured with TLS (transport/tls/) is read and written through its TLS session by the
+// same functions.
 //
 // Time-outs are in seconds: 0 waits without limit, -1 (TcpRecv only) polls.
 // The log handles append a copy of the data to an open file; kNoLog for none.

@@ -152,6 +152,9 @@ int TcpClose(Socket* socket) {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
   } else {
     TcpFlush(*socket);
+    // A TLS peer learns that the session ended on purpose (vsftpd holds the 226 of a download
+    // until it has our close_notify, or the connection's end).
+    if (const auto channel = SocketRegistry::Instance().ChannelOf(*socket)) channel->Close();
   }
   SocketRegistry::Instance().Remove(*socket);
   const bool closed = os::CloseSocket(*socket);
