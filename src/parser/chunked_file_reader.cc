@@ -145,8 +145,20 @@ void ChunkedFileReader::FillChunk(std::ifstream& file, Chunk* chunk) const {
       }
       chunk->pieces.push_back(entry);
     }
+    MeasureBindBlocks(chunk);
   } catch (const std::bad_alloc&) {
     chunk->failed = true;  // the parser's thread reads it, and meets the shortage itself
+  }
+}
+
+void ChunkedFileReader::MeasureBindBlocks(Chunk* chunk) {
+  const std::size_t count = chunk->pieces.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const Piece& piece = chunk->pieces[i];
+    if (piece.scan < 0) continue;
+    LineScan& scan = chunk->scans[static_cast<std::size_t>(piece.scan)];
+    if (scan.kind != LineKind::kBinds) continue;
+    scan.block_lines = OlderBindBlockLength(&chunk->pieces[i] + 1, count - i - 1);
   }
 }
 

@@ -61,6 +61,8 @@ class ChunkedFileReader : public PieceReader {
   bool PlanChunk(std::ifstream& file, std::uint64_t* index);
   bool FindChunkEnd(std::ifstream& file, std::uint64_t start, std::uint64_t* end) const;
   void FillChunk(std::ifstream& file, Chunk* chunk) const;
+  // Notes how long each BINDS block of the chunk is, where the chunk holds all of it.
+  static void MeasureBindBlocks(Chunk* chunk);
   // Gives back the chunk in hand and takes the next one; false when the rest is the tail.
   bool NextChunk();
   void ReadTailFrom(std::uint64_t start);

@@ -7,11 +7,12 @@
 #ifndef PELICOR_PARSER_LINE_KIND_H_
 #define PELICOR_PARSER_LINE_KIND_H_
 
+#include <cstdint>
 #include <string_view>
 
 namespace parser {
 
-enum class LineKind {
+enum class LineKind : std::uint8_t {
   kIgnored,           // END OF STMT, =====, XCTEND, APPNAME, blank lines, anything unknown
   kSessionTimestamp,  // *** SESSION ID:(9.1407) 2004-05-07 11:20:17.631
   kBinds,             // BINDS #2:

@@ -1,5 +1,7 @@
 #include "parser/line_scan.h"
 
+#include "parser/line_text.h"
+#include "parser/piece_reader.h"
 #include "parser/record_scanners.h"
 
 namespace parser {
@@ -33,9 +35,39 @@ bool ScanAhead(std::string_view line, LineScan* scan) {
       scan->fields.wait = WaitRecord();
       scan->newer_form = ScanWaitOwnTime(line, &scan->fields.wait);
       return true;
+    case LineKind::kBinds:
+      scan->kind = kind;
+      scan->fields.call = CallRecord();
+      ScanBindsLine(line, &scan->fields.call.cursor);
+      return true;
     default:
       return false;
   }
+}
+
+// The steps of the parser's reading of an older block when it keeps no binds (ScanBinds and
+// ReadBind): a line with "bind" and "dty" opens a bind, the next line is its buffer line when it
+// holds "bfp", the line after that its value when it holds "value".
+std::int32_t OlderBindBlockLength(const Piece* following, std::size_t count) {
+  if (count == 0 || OpensNewerBindBlock(following[0].text())) return -1;
+  std::size_t at = 0;  // the line in hand
+  const auto takes = [&](std::size_t line) { return line < count && !following[line].asterisks; };
+  while (at < count) {
+    const std::string_view line = following[at].text();
+    if (!Contains(line, "bind")) return static_cast<std::int32_t>(at);
+    if (!takes(at)) return -1;
+    ++at;
+    if (!Contains(line, "dty")) continue;  //  bind 1: (No oacdef for this bind)
+    if (at < count && Contains(following[at].text(), "bfp")) {
+      if (!takes(at)) return -1;
+      ++at;
+    }
+    if (at < count && Contains(following[at].text(), "value")) {
+      if (!takes(at)) return -1;
+      ++at;
+    }
+  }
+  return -1;
 }
 
 }  // namespace parser

@@ -6,6 +6,7 @@
 #ifndef PELICOR_PARSER_LINE_SCAN_H_
 #define PELICOR_PARSER_LINE_SCAN_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -15,20 +16,32 @@
 namespace parser {
 
 struct LineScan {
-  // The scanner the line was read for: kParse, kExec, kFetch or kWait.
+  // The scanner the line was read for: kParse, kExec, kFetch, kWait or kBinds.
   LineKind kind = LineKind::kIgnored;
   // A call line with a plan hash, or a WAIT line with named parameters and its own tim: both
   // only written by Oracle 10g and later.
   bool newer_form = false;
+  // A BINDS line: how many of the lines behind it its block takes, up to the line that ends it,
+  // when a parse that keeps no binds can step over them unread (see OlderBindBlockLength); -1
+  // when they must be read one by one.
+  std::int32_t block_lines = -1;
   union Fields {
     Fields() : call() {}
-    CallRecord call;
+    CallRecord call;  // a BINDS line's cursor stands in call.cursor
     WaitRecord wait;  // `nam` views the line; tim is set only when newer_form
   } fields;
 };
 
 // Scans `line` as the scanner of its kind would, for the kinds above; false for other lines.
+// block_lines stays -1: it needs the lines that follow.
 bool ScanAhead(std::string_view line, LineScan* scan);
+
+struct Piece;
+// The block of the 8i/9i layout that follows a "BINDS #n:" line, as a parse that keeps no binds
+// steps over it: the number of lines it takes before the line that ends it (the first one
+// without "bind"), which must be among the `count` pieces at `following`. -1 when it ends
+// behind them, goes on in the 10g+ layout, or takes a line that may be the size-limit line.
+std::int32_t OlderBindBlockLength(const Piece* following, std::size_t count);
 // "PARSE #", "EXEC #" or "FETCH #" for kParse, kExec and kFetch.
 std::string_view CallKeyword(LineKind kind);
 

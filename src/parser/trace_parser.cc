@@ -290,6 +290,12 @@ const LineScan* CTraceParser::ScannedAhead(std::string_view line, LineKind kind)
   return scan.kind == kind ? &scan : nullptr;
 }
 
+void CTraceParser::SkipPieces(std::size_t count) {
+  if (count == 0) return;
+  run_next_ += count;
+  piece_ = &run_.pieces[run_next_ - 1];
+}
+
 bool CTraceParser::ScanCall(std::string_view line, LineKind kind, CallRecord* call) const {
   if (const LineScan* ahead = ScannedAhead(line, kind)) {
     *call = ahead->fields.call;

@@ -278,6 +278,9 @@ class CTraceParser {
   void OpenFileReader(const std::string& file_name, std::uint64_t offset);
   // What the file reader scanned ahead for `line`, when it is the piece in hand; else null.
   const LineScan* ScannedAhead(std::string_view line, LineKind kind) const;
+  // Steps over the next `count` pieces of the run in hand, which the reader has found to hold
+  // nothing the parse keeps and no size-limit line.
+  void SkipPieces(std::size_t count);
   // Reads a PARSE, EXEC or FETCH line (`kind`): true when it had a plan hash.
   bool ScanCall(std::string_view line, LineKind kind, CallRecord* call) const;
   // Hands the closed statements that are final to closed_handler_ (see its setter).

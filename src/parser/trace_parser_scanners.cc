@@ -288,10 +288,22 @@ WaitClass CTraceParser::ClassOfInterned(std::string_view name) {
 // block in the 10g+ layout (" Bind#0" ...) is read by ReadNewerBinds.
 void CTraceParser::ScanBinds(std::string_view line) {
   CursorNo cursor = 0;
-  ScanBindsLine(line, &cursor);
+  const LineScan* ahead = ScannedAhead(line, LineKind::kBinds);
+  if (ahead != nullptr) {
+    cursor = ahead->fields.call.cursor;
+  } else {
+    ScanBindsLine(line, &cursor);
+  }
   TraceStatement* statement = StatementForCursor(cursor);
   std::int32_t bind_set = 0;
   if (statement != nullptr) bind_set = statement->bind_set_count++;
+  if (summary_only_ && ahead != nullptr && ahead->block_lines >= 0) {
+    // Nothing of the block is kept: its lines are stepped over, and the one that ends it read.
+    SkipPieces(static_cast<std::size_t>(ahead->block_lines));
+    std::string_view end;
+    line_buffer_ = NextLine(&end) ? end : std::string_view();
+    return;
+  }
 
   std::string_view in_hand;
   bool have_line = NextLine(&in_hand);

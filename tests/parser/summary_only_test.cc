@@ -15,6 +15,7 @@
 #include "parser/text_report.h"
 #include "parser/trace_parser.h"
 #include "parser_fixture.h"
+#include "support/exceptions.h"
 #include "trace_generator.h"
 
 namespace {
@@ -107,6 +108,52 @@ TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
     EXPECT_EQ(Checksum(full.tkprof), test.tkprof);
     EXPECT_EQ(Checksum(full.sorted), test.sorted);
     EXPECT_EQ(Checksum(full.report), test.report);
+  }
+}
+
+// The report of a summary-only parse that reads `path` with `workers` (chunks of 512 bytes), or
+// the message it failed with.
+std::string ReportOrFailure(const std::string& path, unsigned workers) {
+  parser::CTraceParser trace;
+  trace.SetReadAhead({workers, 512, 0});
+  trace.SetSummaryOnly(true);
+  try {
+    trace.Parse(path, 0);
+  } catch (const exceptions::ExceptionBase& failure) {
+    return failure.Message();
+  }
+  std::ostringstream report;
+  parser::WriteTextReport(trace.ClosedStatements(), trace.MakeDocumentContext(), report);
+  return report.str();
+}
+
+// BINDS blocks that a summary-only parse steps over unread when the workers have measured them:
+// the line that ends each one is read as before, whatever kind it is and wherever the chunks end.
+TEST(SummaryOnly, BindBlocksSteppedOverGiveTheSameReport) {
+  const std::string bind =
+      " bind 0: dty=2 mxl=22(22) mal=00 scl=00 pre=00 oacflg=08 oacfl2=1 size=24 offset=0\n"
+      "   bfp=0a4f1c08 bln=22 avl=02 flg=05\n"
+      "   value=59\n";
+  const std::string exec = "EXEC #1:c=10000,e=174,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=9\n";
+  const std::string blocks[] = {
+      bind + bind + exec,
+      " bind 0: (No oacdef for this bind)\n" + bind + exec,
+      " bind 0: dty=2 mxl=22(22)\n   value=5\n" + exec,                       // no buffer line
+      " bind 0: dty=2 mxl=22(22)\n   bfp=0a4f1c08\n" + exec,                  // no value line
+      bind + "FETCH #1:c=1,e=2,p=0,cr=0,cu=0,mis=0,r=1,dep=0,og=4,tim=10\n",  // lost, as always
+      bind + "WAIT #1: nam='x' bind ela= 5 p1=0 p2=0 p3=0\n" + exec,
+      " bind 0: dty=2 mxl=22(22)\n   bfp=*** our file\n   value=5\n" + exec,  // a size limit
+      "\n Bind#0\n  oacdty=02 mxl=22(22) mxlc=00 mal=00 scl=00 pre=00\n  value=7\n" + exec,
+  };
+  for (const std::string& block : blocks) {
+    std::string text = "Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n" +
+                       CursorBlock(1, "select 1 from dual");
+    // Here and there, at other places of the chunks; the last lines, which the parser's own
+    // thread reads, have none.
+    for (int i = 0; i < 40; ++i)
+      text += "BINDS #1:\n" + (i % 7 == 3 && i < 30 ? block : bind + exec);
+    const TempFile file(text);
+    EXPECT_EQ(ReportOrFailure(file.path(), 2), ReportOrFailure(file.path(), 0)) << block;
   }
 }
 
