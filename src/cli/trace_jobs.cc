@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <optional>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/left_at_exit.h"
 #include "cli/output.h"
 #include "cli/progress.h"
 #include "cli/stream_progress.h"
@@ -221,14 +223,16 @@ void Doing(const std::string& what, Step&& step) {
 }
 
 void Report(const std::string& trace, const ParseInput& parse, const ReportJob& job) {
-  ParseSetup setup(job.sort, job.parse);
-  setup.parser.SetSummaryOnly(true);  // the report reads no call, bind or wait record
-  Doing("parsing " + trace, [&] { parse(setup.parser, 0); });
+  auto setup = std::make_unique<ParseSetup>(job.sort, job.parse);
+  parser::CTraceParser& parsed = setup->parser;
+  parsed.SetSummaryOnly(true);  // the report reads no call, bind or wait record
+  Doing("parsing " + trace, [&] { parse(parsed, 0); });
   Doing("writing the report of " + trace, [&] {
-    setup.parser.SortClosedStatements();
-    setup.parser.WriteTextReport(std::cout);
+    parsed.SortClosedStatements();
+    parsed.WriteTextReport(std::cout);
   });
   FinishStandardOutput();
+  LeaveAtExit(std::move(setup));
 }
 
 // Without sorting or merging, a call document for a file is written as the trace is read.
@@ -245,9 +249,11 @@ void StreamCalls(const std::string& trace, const ParseInput& parse, const XmlJob
 
 // `trace` names the trace: the aggregated documents are named after it.
 void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
-  ParseSetup setup(job.sort, job.parse);
+  auto held = std::make_unique<ParseSetup>(job.sort, job.parse);
+  ParseSetup& setup = *held;
   if (StreamsCallDocument(job, setup)) {
     StreamCalls(trace, parse, job, setup);
+    LeaveAtExit(std::move(held));
     return;
   }
   if (job.Kind() == XmlKind::kStatement) setup.parser.SetStatementId(job.statement);
@@ -269,6 +275,7 @@ void Xml(const std::string& trace, const ParseInput& parse, const XmlJob& job) {
         break;
     }
   });
+  LeaveAtExit(std::move(held));
 }
 
 // The parser's "Trace parser failed to open parse file!" names neither the file nor the
