@@ -28,13 +28,15 @@ int Fail(const std::string& message) {
   return 1;
 }
 
-// Switches the activity log on as soon as the option is read, before any subcommand runs.
-void AddActivityLogOption(CLI::App& app) {
+// Switches the activity log on as soon as the option is read, before any subcommand runs, and
+// notes it in *enabled.
+void AddActivityLogOption(CLI::App& app, bool* enabled) {
   app.add_option_function<std::string>(
          "--activity-log",
-         [](const std::string& path) {
+         [enabled](const std::string& path) {
            std::string error;
            if (!support::ActivityLog::Enable(path, &error)) throw std::runtime_error(error);
+           *enabled = true;
          },
          "Record every failure, with its source and time, in the XML file FILE")
       ->option_text("FILE")
@@ -61,9 +63,12 @@ int OutOfMemory(const CLI::App& app) {
   }
 }
 
-// Ends the log's document however the command ends.
+// Ends the log's document however the command ends; a command without the log leaves it alone.
 struct ActivityLogCloser {
-  ~ActivityLogCloser() { support::ActivityLog::Disable(); }
+  bool enabled = false;
+  ~ActivityLogCloser() {
+    if (enabled) support::ActivityLog::Disable();
+  }
 };
 
 }  // namespace
@@ -75,14 +80,14 @@ int main(int argc, char** argv) {
   CLI::App app("Oracle SQL trace files to TKPROF-style reports and XML documents", "pelicor");
   app.set_version_flag("--version", kVersion);
   app.require_subcommand(1);
-  AddActivityLogOption(app);
+  ActivityLogCloser log_closer;
+  AddActivityLogOption(app, &log_closer.enabled);
   cli::AddLocalCommands(app);
   cli::AddProfileCommands(app);
   cli::AddShareCommands(app);
   cli::AddFtpCommands(app);
   cli::AddDbCommands(app);
   cli::AddSftpCommands(app);
-  const ActivityLogCloser log_closer;
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
