@@ -18,6 +18,7 @@ OutputSink::~OutputSink() {
 
 bool OutputSink::OpenFile(const std::string& path, LineEnds line_ends) {
   Close();
+  writer_.reset();
   used_ = 0;
   stream_ = nullptr;
   line_ends_ = line_ends;
@@ -35,8 +36,20 @@ void OutputSink::Fail(std::string reason) {
   error_ = std::move(reason);
 }
 
+void OutputSink::Spill() {
+  if (!writer_ && file_.is_open() && line_ends_ == LineEnds::kAsWritten && !failed_) {
+    writer_ = std::make_unique<BlockWriter>(&file_, kCapacity);
+  }
+  Flush();
+}
+
 void OutputSink::Flush() {
   if (used_ == 0) return;
+  if (writer_) {
+    buffer_ = writer_->Hand(std::move(buffer_), used_);
+    used_ = 0;
+    return;
+  }
   const std::string_view bytes(buffer_.get(), used_);
   used_ = 0;
   if (line_ends_ == LineEnds::kCrLf) {
@@ -49,6 +62,11 @@ void OutputSink::Flush() {
 
 bool OutputSink::Close() {
   Flush();
+  if (writer_) {
+    std::string reason;
+    if (!writer_->Finish(&reason)) Fail(std::move(reason));
+    writer_.reset();
+  }
   if (stream_ != nullptr && !stream_->good()) Fail("the stream refused the output");
   if (file_.is_open()) {
     std::string reason;
@@ -62,8 +80,15 @@ bool OutputSink::Close() {
 }
 
 void OutputSink::WriteLarge(std::string_view text) {
-  Flush();
+  Spill();
   if (text.size() < kCapacity) {
+    Write(text);
+  } else if (writer_) {  // behind the blocks already handed over
+    for (; text.size() >= kCapacity; text.remove_prefix(kCapacity)) {
+      std::memcpy(buffer_.get(), text.data(), kCapacity);
+      used_ = kCapacity;
+      Spill();
+    }
     Write(text);
   } else if (line_ends_ == LineEnds::kCrLf) {
     DeliverCrLf(text);

@@ -12,6 +12,9 @@
 //
 // Write errors are not reported while writing; Close() tells whether everything reached its
 // target, and ErrorText() why not.
+//
+// A file that grows past one buffer is written by a thread of its own (block_writer.h) while
+// the next buffer fills.
 #ifndef PELICOR_PARSER_OUTPUT_SINK_H_
 #define PELICOR_PARSER_OUTPUT_SINK_H_
 
@@ -23,6 +26,7 @@
 #include <string>
 #include <string_view>
 
+#include "parser/block_writer.h"
 #include "parser/number_format.h"
 #include "support/os/pending_file.h"
 
@@ -69,7 +73,7 @@ class OutputSink {
     }
   }
   void Put(char c) {
-    if (used_ == kCapacity) Flush();
+    if (used_ == kCapacity) Spill();
     buffer_[used_++] = c;
   }
   // %d and %I64d.
@@ -90,14 +94,17 @@ class OutputSink {
   void WriteCdata(std::string_view text);
 
  private:
-  static constexpr std::size_t kCapacity = std::size_t{1} << 18;
+  static constexpr std::size_t kCapacity = std::size_t{1} << 20;
 
   // At least `size` free bytes at the end of the buffer.
   char* Room(std::size_t size) {
-    if (kCapacity - used_ < size) Flush();
+    if (kCapacity - used_ < size) Spill();
     return buffer_.get() + used_;
   }
   void Commit(char* end) { used_ = static_cast<std::size_t>(end - buffer_.get()); }
+  // Hands on a buffer that has filled: from the first one on, a file's buffers go to the writer
+  // thread.
+  void Spill();
   void WriteLarge(std::string_view text);
   void Deliver(std::string_view bytes);
   void DeliverCrLf(std::string_view bytes);
@@ -108,6 +115,7 @@ class OutputSink {
   std::size_t used_ = 0;
   std::string translated_;  // a block with "\r\n" line ends, reused
   os::PendingFile file_;
+  std::unique_ptr<BlockWriter> writer_;  // writes file_ once a buffer has filled
   std::ostream* stream_ = nullptr;
   LineEnds line_ends_ = LineEnds::kAsWritten;
   bool failed_ = false;

@@ -104,6 +104,10 @@ printf 'previous\n' >"$work/full/doc.xml"
 printf 'previous\n' >"$work/full/sample_9i.trc"
 check "xml -o on a full disk" "pelicor: cannot write $work/full/doc.xml: File too large 1" \
   "$(full "$pelicor" xml "$udump/sample_9i.trc" -o "$work/full/doc.xml" 2>&1) $?"
+# A document of many buffers is written by the sink's writer thread: its failure counts as well.
+for _ in $(seq 200); do cat "$udump/sample_9i.trc"; done >"$work/large.trc"
+check "a large xml -o on a full disk" "pelicor: cannot write $work/full/doc.xml: File too large 1" \
+  "$(full "$pelicor" xml "$work/large.trc" -o "$work/full/doc.xml" 2>&1) $?"
 check "get on a full disk" \
   "pelicor: cannot copy $udump/sample_9i.trc to $work/full/sample_9i.trc: File too large 1" \
   "$(full "$pelicor" share get "$udump" sample_9i.trc -o "$work/full" 2>&1) $?"

@@ -12,30 +12,35 @@ namespace {
 using parser::LineEnds;
 using parser::OutputSink;
 
-TEST(OutputSink, FileGetsLineEndsTranslatedAcrossBufferRefills) {
-  pelicor_test::ScratchDir dir;
-  const std::string path = dir.File("out.xml");
-  { std::ofstream(path) << std::string(5000000, 'z'); }  // replaced, not appended to
-  std::string written;
-  std::string expected;
-  {
-    OutputSink out;
-    ASSERT_TRUE(out.OpenFile(path, LineEnds::kCrLf));
-    // Lines of many lengths, so that some "\n" fall on the edge of a buffer refill, and one
-    // piece larger than the buffer.
-    for (int i = 0; i < 40000; ++i) {
-      const std::string line = std::string(static_cast<std::size_t>(i % 23), 'a') + "\n";
-      out.Write(line);
-      expected += std::string(static_cast<std::size_t>(i % 23), 'a') + "\r\n";
+// Files of several buffers: with "\r\n" line ends they are translated as they go out, with
+// "\n" they are written by the sink's writer thread while the next buffer fills.
+TEST(OutputSink, FileOfManyBuffersGetsEveryByteInOrder) {
+  for (const LineEnds line_ends : {LineEnds::kCrLf, LineEnds::kAsWritten}) {
+    const std::string end = line_ends == LineEnds::kCrLf ? "\r\n" : "\n";
+    pelicor_test::ScratchDir dir;
+    const std::string path = dir.File("out.xml");
+    { std::ofstream(path) << std::string(5000000, 'z'); }  // replaced, not appended to
+    std::string expected;
+    {
+      OutputSink out;
+      ASSERT_TRUE(out.OpenFile(path, line_ends));
+      // Lines of many lengths, so that some "\n" fall on the edge of a buffer refill, and a
+      // piece larger than the buffer between them.
+      for (int i = 0; i < 300000; ++i) {
+        const std::string text(static_cast<std::size_t>(i % 23), static_cast<char>('a' + i % 26));
+        out.Write(text + "\n");
+        expected += text + end;
+        if (i == 150000) {
+          out.Write(std::string(2500000, 'b') + "\n\n");
+          expected += std::string(2500000, 'b') + end + end;
+        }
+      }
+      out.WriteInt(-42);
+      expected += "-42";
+      EXPECT_TRUE(out.Close());
     }
-    const std::string large = std::string(700000, 'b') + "\n\n";
-    out.Write(large);
-    expected += std::string(700000, 'b') + "\r\n\r\n";
-    out.WriteInt(-42);
-    expected += "-42";
-    EXPECT_TRUE(out.Close());
+    EXPECT_EQ(pelicor_test::ReadWholeFile(path), expected);
   }
-  EXPECT_EQ(pelicor_test::ReadWholeFile(path), expected);
 }
 
 // Numbers and escapes come from number_format and xml_escape; the sink's own part is CDATA.
