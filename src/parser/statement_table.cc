@@ -1,6 +1,7 @@
 #include "parser/statement_table.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace parser {
 
@@ -48,6 +49,11 @@ void StatementTable::MoveToClosed(StatementList::iterator at) {
   Unindex(at);
   Compact(**at);
   closed_.splice(closed_.end(), open_, at);
+  if (closed_by_text_built_) IndexClosedByText(at);
+}
+
+void StatementTable::IndexClosedByText(StatementList::iterator at) {
+  closed_by_text_[(*at)->header.text].push_back(at);
 }
 
 TraceStatement* StatementTable::ForCursor(CursorNo cursor) {
@@ -91,14 +97,22 @@ void StatementTable::CloseAll() {
 }
 
 TraceStatement* StatementTable::ReopenBySqlText(std::string_view text) {
-  for (auto at = closed_.begin(); at != closed_.end(); ++at) {
-    if ((*at)->header.text.size() == text.size() && (*at)->header.text == text) {
-      open_.splice(open_.end(), closed_, at);
-      IndexLast();
-      return open_.back().get();
-    }
+  if (!closed_by_text_built_) {
+    for (auto at = closed_.begin(); at != closed_.end(); ++at) IndexClosedByText(at);
+    closed_by_text_built_ = true;
   }
-  return nullptr;
+  const auto entry = closed_by_text_.find(text);
+  if (entry == closed_by_text_.end()) return nullptr;
+  std::deque<StatementList::iterator> rest = std::move(entry->second);
+  const StatementList::iterator at = rest.front();
+  rest.pop_front();
+  // The key views the text of the entry's first statement, which is leaving: the entry is keyed
+  // anew by the next one.
+  closed_by_text_.erase(entry);
+  if (!rest.empty()) closed_by_text_.emplace((*rest.front())->header.text, std::move(rest));
+  open_.splice(open_.end(), closed_, at);
+  IndexLast();
+  return open_.back().get();
 }
 
 void StatementTable::RenumberLast(CursorNo cursor) {
@@ -119,6 +133,7 @@ void StatementTable::ClearClosed() {
     }
   }
   closed_.clear();
+  closed_by_text_.clear();
 }
 
 }  // namespace parser

@@ -8,6 +8,12 @@
 // when statements are put in by hand) is counted, and looked for in the list when the first one
 // closes, so the answers are those of a search of the open list from its front.
 //
+// Merging identical SQL looks closed statements up by their text through an index of its own,
+// built on the first look-up (a parse that does not merge never builds it) and kept as statements
+// close and reopen. Handing out the closed list for changes (sorting, taking statements out)
+// drops it; the next look-up builds it again from the list, so the answer is always the first
+// statement of the list with that text.
+//
 // The cache is deliberately not cleared when statements close: after a close, lines for the
 // cached cursor still go to that statement, now in the closed list. Only emptying the closed
 // list forgets a cached statement that it destroys.
@@ -16,6 +22,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
@@ -56,7 +63,12 @@ class StatementTable {
 
   StatementList& open() { return open_; }
   const StatementList& open() const { return open_; }
-  StatementList& closed() { return closed_; }
+  // The closed list, for changes: the index by SQL text is built anew before its next use.
+  StatementList& closed() {
+    closed_by_text_.clear();
+    closed_by_text_built_ = false;
+    return closed_;
+  }
   const StatementList& closed() const { return closed_; }
   std::int64_t statements_made() const { return counter_; }
 
@@ -65,11 +77,15 @@ class StatementTable {
   void IndexLast();
   void Unindex(StatementList::iterator at);
   void MoveToClosed(StatementList::iterator at);
+  void IndexClosedByText(StatementList::iterator at);
 
   StatementList open_;
   std::unordered_map<CursorNo, StatementList::iterator> first_open_;
   std::size_t unindexed_ = 0;  // open statements behind another one with the same cursor
   StatementList closed_;
+  // The closed statements of each SQL text, in list order; the keys view the first one's text.
+  std::unordered_map<std::string_view, std::deque<StatementList::iterator>> closed_by_text_;
+  bool closed_by_text_built_ = false;
   bool cache_set_ = false;
   CursorNo cached_cursor_ = 0;
   TraceStatement* cached_ = nullptr;

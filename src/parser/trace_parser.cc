@@ -206,7 +206,7 @@ bool CTraceParser::ParseNextBatch(std::uint16_t limit, std::uint8_t flags) {
   if (!SourceAtEnd()) return true;
   EndOfInput();
   input_exhausted_ = true;
-  const auto closed = static_cast<std::int64_t>(table_.closed().size());
+  const auto closed = static_cast<std::int64_t>(std::as_const(table_).closed().size());
   return CloseAfterEnd(std::int64_t{limit} - closed, limit);
 }
 

@@ -21,7 +21,7 @@ std::int64_t WrappingAdd(std::int64_t a, std::int64_t b) {
 
 void CTraceParser::DispatchLine(std::string_view line) {
   while (DispatchOnce(line)) line = line_buffer_;
-  if (closed_handler_ && !table_.closed().empty()) HandOverClosed();
+  if (closed_handler_ && !std::as_const(table_).closed().empty()) HandOverClosed();
 }
 
 void CTraceParser::HandOverClosed() {
@@ -216,7 +216,7 @@ void CTraceParser::FileCursorHeader(ParseInCursorRecord header) {
   }
   table_.Cache(cursor, statement);
   if (statement_limit_ != 0 &&
-      static_cast<std::int64_t>(table_.closed().size()) >= statement_limit_) {
+      static_cast<std::int64_t>(std::as_const(table_).closed().size()) >= statement_limit_) {
     stop_ = true;
   }
 }

@@ -142,6 +142,46 @@ TEST(StatementTable, AMillionDistinctCursorsFindTheirStatements) {
   EXPECT_EQ(table.statements_made(), static_cast<std::int64_t>(kOpenAtOnce * kRounds));
 }
 
+// Merging identical SQL looks every new header's text up among the closed statements: the first
+// of the closed list with that text comes back, also after the list was reordered, and a trace
+// of a few hundred thousand distinct statements does not walk the list each time.
+TEST(StatementTable, ReopensTheFirstClosedStatementWithTheText) {
+  parser::StatementTable table;
+  const auto open = [&table](parser::CursorNo cursor, const std::string& text) {
+    parser::TraceStatement* statement = table.OpenNew(cursor);
+    statement->header.text = text;
+    return statement;
+  };
+  parser::TraceStatement* a = open(1, "x");
+  parser::TraceStatement* b = open(2, "x");
+  open(3, "y");
+  table.CloseCursor(2);
+  table.CloseCursor(1);
+  table.CloseCursor(3);  // closed: b a y
+  EXPECT_EQ(table.ReopenBySqlText("x"), b);
+  table.CloseAll();                          // closed: a y b
+  EXPECT_EQ(table.ReopenBySqlText("x"), a);  // the first in the list, not the last closed
+  table.CloseAll();                          // closed: y b a
+  table.closed().reverse();                  // a b y
+  EXPECT_EQ(table.ReopenBySqlText("x"), a);
+  EXPECT_EQ(table.ReopenBySqlText("x"), b);
+  EXPECT_EQ(table.ReopenBySqlText("x"), nullptr);
+  EXPECT_EQ(table.ReopenBySqlText("z"), nullptr);
+  table.CloseAll();
+  table.ClearClosed();
+
+  constexpr std::size_t kStatements = 300000;
+  for (std::size_t i = 0; i < kStatements; ++i) open(i, "select " + std::to_string(i));
+  table.CloseAll();
+  std::size_t mismatched = 0;
+  for (std::size_t i = kStatements; i-- > 0;) {
+    const parser::TraceStatement* found = table.ReopenBySqlText("select " + std::to_string(i));
+    if (found == nullptr || found->cursor != i) ++mismatched;
+  }
+  EXPECT_EQ(mismatched, 0u);
+  EXPECT_TRUE(table.closed().empty());
+}
+
 TEST(CTraceParser, ParseErrorMakesAStatementOfItsOwn) {
   auto trace = ParseText(CursorBlock(3, "select 1 from dual") +
                          "PARSE ERROR #3:len=17 dep=0 uid=5 oct=3 lid=5 tim=77 err=942\n"
