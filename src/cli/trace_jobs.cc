@@ -18,6 +18,7 @@
 #include "parser/aggregated_xml_writer.h"
 #include "parser/call_xml_writer.h"
 #include "parser/output_sink.h"
+#include "parser/streamed_call_document.h"
 #include "parser/trace_parser.h"
 #include "support/exceptions.h"
 #include "support/os/pending_file.h"
@@ -113,53 +114,6 @@ void WriteCallDocument(parser::CTraceParser& parser, const std::string& output) 
   });
 }
 
-// The call document to the file `output`, written while the trace is read: each statement as
-// soon as no later line can reach it, so that memory stays flat whatever the trace's size. The
-// file takes its name only when the parse and the document are complete: a parse that fails
-// half-way (a trace that reached its size limit) leaves no half document.
-class StreamedCallDocument {
- public:
-  StreamedCallDocument(parser::CTraceParser& parser, std::string output)
-      : parser_(parser), output_(std::move(output)) {
-    parser_.SetClosedStatementHandler(
-        [this](parser::TraceStatement& statement) { Write(statement); });
-  }
-  ~StreamedCallDocument() { parser_.SetClosedStatementHandler(nullptr); }
-  StreamedCallDocument(const StreamedCallDocument&) = delete;
-  StreamedCallDocument& operator=(const StreamedCallDocument&) = delete;
-
-  // After the parse: the statements it kept, the end, the file's name.
-  void Finish() {
-    for (const auto& statement : parser_.ClosedStatements()) Write(*statement);
-    Start();
-    parser::WriteCallXmlEnd(sink_);
-    if (!sink_.Close()) {
-      throw std::runtime_error("cannot write " + output_ + ": " + sink_.ErrorText());
-    }
-  }
-
- private:
-  void Start() {
-    if (started_) return;
-    if (!sink_.OpenFile(output_)) {
-      throw std::runtime_error("cannot create " + output_ + ": " + sink_.ErrorText());
-    }
-    context_ = parser_.MakeDocumentContext();
-    parser::WriteCallXmlStart(sink_, context_);
-    started_ = true;
-  }
-  void Write(const parser::TraceStatement& statement) {
-    Start();
-    parser::WriteCallXmlStatement(sink_, statement, context_);
-  }
-
-  parser::CTraceParser& parser_;
-  std::string output_;
-  parser::OutputSink sink_;  // discards the file unless Close() succeeded
-  parser::DocumentContext context_;
-  bool started_ = false;
-};
-
 // The aggregated documents go straight to their target: every check of the library's writers
 // (an empty trace, a name without ".trc", the statement's matches) is made before a byte is
 // written, so a failing job leaves no output, as when the document was made beside the trace.
@@ -235,16 +189,35 @@ void Report(const std::string& trace, const ParseInput& parse, const ReportJob& 
   LeaveAtExit(std::move(setup));
 }
 
-// Without sorting or merging, a call document for a file is written as the trace is read.
+// Without sorting or merging, a call document is written as the trace is read.
 bool StreamsCallDocument(const XmlJob& job, const ParseSetup& setup) {
-  return job.Kind() == XmlKind::kCalls && !job.output.empty() && !setup.sort && !job.parse.merge;
+  return job.Kind() == XmlKind::kCalls && !setup.sort && !job.parse.merge;
 }
 
+// The statements go out as soon as no later line can reach them. A file takes its name only
+// when the parse and the document are complete: a parse that fails half-way (a trace that
+// reached its size limit) leaves no half document. On standard output what was written stays,
+// as with any filter that fails.
 void StreamCalls(const std::string& trace, const ParseInput& parse, const XmlJob& job,
                  ParseSetup& setup) {
-  StreamedCallDocument document(setup.parser, job.output);
+  const bool to_file = !job.output.empty();
+  parser::OutputSink file;
+  parser::OutputSink standard(std::cout, parser::LineEnds::kNative);
+  parser::OutputSink& sink = to_file ? file : standard;
+  parser::StreamedCallDocument document(setup.parser, sink, [&](parser::OutputSink& out) {
+    return !to_file || out.OpenFile(job.output);
+  });
   Doing("parsing " + trace, [&] { parse(setup.parser, ParseFlags(job)); });
-  Doing("writing the document of " + trace, [&] { document.Finish(); });
+  Doing("writing the document of " + trace, [&] {
+    // A file that could not be made is tried again the usual way, which says why.
+    if (!document.Finish()) return WriteCallDocument(setup.parser, job.output);
+    if (!to_file) {
+      sink.Close();
+      FinishStandardOutput();
+    } else if (!sink.Close()) {
+      throw std::runtime_error("cannot write " + job.output + ": " + sink.ErrorText());
+    }
+  });
 }
 
 // `trace` names the trace: the aggregated documents are named after it.

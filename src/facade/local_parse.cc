@@ -2,7 +2,11 @@
 // NfsParseFile (a file of the trace directory, read in place on the share).
 #include "facade/method_rules.h"
 #include "facade/pelicor.h"
+#include "parser/document_file.h"
+#include "parser/output_sink.h"
+#include "parser/streamed_call_document.h"
 #include "parser/trace_parser.h"
+#include "parser/xml_paths.h"
 
 namespace facade {
 
@@ -18,6 +22,22 @@ void WriteDocuments(parser::CTraceParser& parser, const std::string& file_name,
 
 }  // namespace
 
+// The call document alone, unsorted and unmerged, is written while the trace is read, so that a
+// trace of any size parses in flat memory. Its file takes its name only once it is complete.
+void CPelicor::StreamCallDocument(parser::CTraceParser& parser, const std::string& file_name,
+                                  const ParseStep& parse) {
+  const std::string path = parser::CallXmlPath(file_name, parser.OutputDirectory());
+  parser::OutputSink sink;
+  parser::StreamedCallDocument document(
+      parser, sink, [&path](parser::OutputSink& out) { return out.OpenFile(path); });
+  parse(parser);
+  if (document.Finish()) {
+    parser::FinishDocument(sink, path, "CreateXML");
+  } else {
+    parser.CreateXML(file_name);  // no file could be made: the usual way says so
+  }
+}
+
 void CPelicor::ParseWholeTrace(const std::string& file_name, std::uint16_t isAggregated,
                                std::uint16_t xmlType, std::string* outputXML,
                                const ParseStep& parse) {
@@ -25,6 +45,10 @@ void CPelicor::ParseWholeTrace(const std::string& file_name, std::uint16_t isAgg
   // A name without ".trc" ends the call here, before anything is read or written.
   *outputXML = XmlFileName(file_name);
   parser.SetOutputDirectory(working_dir_);
+  if (xmlType == kCallXml && !sort_options_ && isAggregated == 0) {
+    StreamCallDocument(parser, file_name, parse);
+    return;
+  }
   // The aggregated document alone reads no call, bind or wait record: keep none.
   parser.SetSummaryOnly(xmlType == kAggregatedXml);
   parse(parser);

@@ -84,6 +84,32 @@ TEST_F(ParseFileTest, FailuresBeforeAndAfterTheXmlName) {
   EXPECT_FALSE(fs::exists(root() / "trace.xml"));
 }
 
+// The call document alone is written while the trace is read; it holds what the document written
+// after the parse holds (merging keeps every statement to the end, with nothing to merge here).
+// A document that cannot be made fails only once the whole trace was read, so a trace that
+// reached its size limit says so first; a parse that fails leaves no document.
+TEST_F(ParseFileTest, CallDocumentWrittenWhileTheTraceIsRead) {
+  AddTrace(root());
+  ASSERT_EQ(service_.ParseFile(kTrace, 0, 1, 0, &out_, &msg_), 0);
+  const std::string kept = ReadWholeFile(work() / kXml);
+  ASSERT_EQ(service_.ParseFile(kTrace, 0, 0, 0, &out_, &msg_), 0) << msg_;
+  EXPECT_EQ(ReadWholeFile(work() / kXml), kept);
+
+  fs::remove(work() / kXml);
+  fs::create_directory(work() / kXml);
+  EXPECT_EQ(service_.ParseFile(kTrace, 0, 0, 0, &out_, &msg_), 1);
+  EXPECT_EQ(msg_, "Trace parser failed to create output XML file!");
+  // Its statements close half-way (the second copy reuses their cursors), then the limit.
+  AppendFile(root() / kTrace,
+             Fixture(kTrace) + "*** DUMP FILE SIZE IS LIMITED TO 5242880 BYTES ***\n");
+  EXPECT_EQ(service_.ParseFile(kTrace, 0, 0, 0, &out_, &msg_), 1);
+  EXPECT_EQ(msg_, "Trace file has reached max_dump_file_size!");
+  fs::remove(work() / kXml);
+  EXPECT_EQ(service_.ParseFile(kTrace, 0, 0, 0, &out_, &msg_), 1);
+  EXPECT_EQ(msg_, "Trace file has reached max_dump_file_size!");
+  EXPECT_TRUE(fs::is_empty(work()));
+}
+
 // Sorted on execute cpu the update (0.02 s) comes before the select (0.00 s); the replaced
 // options no longer count.
 TEST_F(ParseFileTest, AggregatedDocumentFollowsTheLastSortOptions) {

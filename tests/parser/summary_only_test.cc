@@ -178,6 +178,7 @@ std::string StreamedCallDocument(const std::string& path, std::uint8_t flags,
   trace.SetClosedStatementHandler([&](parser::TraceStatement& statement) {
     ++*handed_over;
     write(statement);
+    return true;
   });
   trace.ParseFrom(path, 0, flags);
   for (const auto& statement : trace.ClosedStatements()) write(*statement);
