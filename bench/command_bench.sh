@@ -3,8 +3,10 @@
 # MB/s of trace read by the report, the aggregated document, the call-by-call document, the
 # profile and the HTML page, the MB/s of a bare fgets+sscanf scan of the same file in the same
 # run and each job's ratio to it, the peak resident memory as a fraction of the trace, and the
-# size of the page. Best of REPEATS runs.
+# size of the page. Best of REPEATS runs. Then the call document of a LARGE_MEGABYTES trace
+# (3 GB by default; 0 leaves it out), whose peak memory must stay what it is for the small one.
 # Usage: bench/command_bench.sh [BUILD_DIR=build/release] [MEGABYTES=300] [REPEATS=3]
+#                               [LARGE_MEGABYTES=3072]
 # PELICOR=path runs another build of the command (say, the one before a change) against the
 # same traces and scan. Needs /usr/bin/time (Debian package "time"). Prints figures; judges
 # nothing.
@@ -12,6 +14,7 @@ set -euo pipefail
 build=${1:-build/release}
 megabytes=${2:-300}
 repeats=${3:-3}
+large_megabytes=${4:-3072}
 pelicor=${PELICOR:-$build/src/cli/pelicor}
 generator=$build/bench/generator/gen_trace
 bare_scan=$build/bench/bare_scan
@@ -65,4 +68,16 @@ for format in 9i 19c; do
   echo "html page ($format): $(stat -c %s "$work/page.html") bytes"
   rm -f "$trace" "$work/calls.xml" "$work/aggregate.xml" "$work/page.html"
 done
+if [ "$large_megabytes" -gt 0 ]; then
+  trace=$work/large_9i.trc
+  "$generator" "$trace" "$large_megabytes" 1 9i >/dev/null
+  bytes=$(stat -c %s "$trace")
+  repeats=1
+  best_of "$trace" "$bare_scan" "$trace"
+  scan_seconds=$best
+  row "bare scan ($((bytes >> 20)) MB, 9i)" "$bytes"
+  best_of "$trace" "$pelicor" xml --calls "$trace" -o "$work/calls.xml"
+  row "xml --calls ($((bytes >> 20)) MB, 9i)" "$bytes"
+  rm -f "$trace" "$work/calls.xml"
+fi
 echo "load after: $(cut -d' ' -f1-3 /proc/loadavg)"
