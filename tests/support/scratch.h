@@ -64,6 +64,18 @@ inline void WriteWholeFile(const std::filesystem::path& path, std::string_view c
       .write(contents.data(), static_cast<std::streamsize>(contents.size()));
 }
 
+inline void AppendFile(const std::filesystem::path& path, std::string_view text) {
+  std::ofstream(path, std::ios::binary | std::ios::app)
+      .write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+// A file of one line (a port, a user name) without its line end.
+inline std::string ReadLineFile(const std::filesystem::path& path) {
+  std::string text = ReadWholeFile(path);
+  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+  return text;
+}
+
 // Where scratch directories go. Under Wine that is the host's /tmp reached as Z:\tmp, so the
 // Windows build works on real host folders through Wine's drive mapping, as a share is reached.
 inline std::filesystem::path ScratchRoot() {
