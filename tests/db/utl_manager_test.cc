@@ -101,7 +101,8 @@ TEST_F(UtlManagerTest, EachQueryReadsItsAnswerOrRaisesItsMessage) {
   }
 }
 
-TEST_F(UtlManagerTest, OsTypeFromTheTnsBanner) {
+// The platform from the TNS banner; PL/SQL releases before 2.3 are refused.
+TEST_F(UtlManagerTest, OsTypeAndPlsqlReleaseFromTheBanners) {
   const std::vector<std::pair<const char*, int>> banners = {
       {"TNS for 32-bit Windows: Version 9.2.0.1.0 - Production", transport::kUtlWindows},
       {"TNS for OpenVMS: Version 9.2.0.1.0 - Production", transport::kUtlVms},
@@ -113,10 +114,7 @@ TEST_F(UtlManagerTest, OsTypeFromTheTnsBanner) {
     server_.Set("tns_banner", banner);
     EXPECT_EQ(manager_.OsType(), type) << banner;
   }
-}
-
-TEST_F(UtlManagerTest, PlsqlVersionsBefore23AreRefused) {
-  const std::vector<std::pair<const char*, bool>> banners = {
+  const std::vector<std::pair<const char*, bool>> plsql_banners = {
       {"PL/SQL Release 2.2.0.0.0 - Production", false},
       {"PL/SQL Release 2.3.4.0.0 - Production", true},
       {"PL/SQL Release 3.0.0.0.0 - Production", true},
@@ -125,7 +123,7 @@ TEST_F(UtlManagerTest, PlsqlVersionsBefore23AreRefused) {
       {"PL/SQL Release 10.2.0.4.0 - Production", true},
       {"PL/SQL Version 9.2", false},  // not the form we read: all zero
   };
-  for (const auto& [banner, passes] : banners) {
+  for (const auto& [banner, passes] : plsql_banners) {
     server_.Set("plsql_banner", banner);
     EXPECT_EQ(Raised([&] { manager_.ValidatePlsqlVersion(); }),
               passes ? ""
