@@ -2,6 +2,7 @@
 #ifndef PELICOR_TESTS_SUPPORT_SCRATCH_H_
 #define PELICOR_TESTS_SUPPORT_SCRATCH_H_
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +10,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace pelicor_test {
 
@@ -74,6 +76,16 @@ inline std::string ReadLineFile(const std::filesystem::path& path) {
   std::string text = ReadWholeFile(path);
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
   return text;
+}
+
+// The names in `dir`, sorted: what a test left or a call wrote there.
+inline std::vector<std::string> FileNames(const std::filesystem::path& dir) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 // Where scratch directories go. Under Wine that is the host's /tmp reached as Z:\tmp, so the

@@ -203,11 +203,8 @@ TEST_F(FtpManagerTest, RefusesListedNamesThatLeaveTheWorkDirectory) {
                   std::string(listed) + " from the server! A file name must not hold a path.");
   }
   // Nothing but the listing was written.
-  std::vector<std::string> written;
-  for (const auto& entry : std::filesystem::directory_iterator(work_.File(""))) {
-    written.push_back(entry.path().filename().string());
-  }
-  EXPECT_EQ(written, std::vector<std::string>{"FtpTraceFileListPID.txt"});
+  EXPECT_EQ(pelicor_test::FileNames(work_.path()),
+            std::vector<std::string>{"FtpTraceFileListPID.txt"});
   auto manager = Connect("normal", "udump");  // lists ora_1234.trc and ora_1234_extra.trc
   EXPECT_EQ(Lookup(*manager, "999"),
             "FtpManager|FtpManger|GetFileList|FTP did not find a trace file for the "

@@ -1,7 +1,6 @@
 // CSftpManager against OpenSSH's sshd on 127.0.0.1 (and the proxy in front of it that drops
 // connections mid-transfer): host keys, log-on, listings, the session lookup, copies and line
 // streams.
-#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <regex>
@@ -213,12 +212,8 @@ TEST_F(SftpManagerTest, CopiesWholeFilesAndRefusesNamesThatLeaveTheDirectory) {
   EXPECT_EQ(Raised([&] { manager->RetrieveFile("missing.trc", work_.str(), nullptr); }),
             kPrefix + std::string("OpenDataStream|SFTP failed to open missing.trc on ") +
                 Address(server_->Port()) + ": no such file or directory");
-  std::vector<std::string> left;
-  for (const auto& entry : std::filesystem::directory_iterator(work_.path())) {
-    left.push_back(entry.path().filename().string());
-  }
-  std::sort(left.begin(), left.end());
-  EXPECT_EQ(left, (std::vector<std::string>{"known_hosts", "repeated_9i.trc"}));
+  EXPECT_EQ(pelicor_test::FileNames(work_.path()),
+            (std::vector<std::string>{"known_hosts", "repeated_9i.trc"}));
 }
 
 TEST_F(SftpManagerTest, StreamsFromAnOffsetAndSeesWhatTheFileGrewBy) {
