@@ -82,10 +82,12 @@ void ExpectInvokeFails(LateCaller& caller, DISPID id, std::vector<VARIANT> args,
   VariantClear(&result);
 }
 
-VARIANT Variant(VARTYPE type) {
+// A VARIANT of `type`; a VT_BSTR one holds `text`.
+VARIANT Variant(VARTYPE type, const wchar_t* text = nullptr) {
   VARIANT value;
   VariantInit(&value);
   V_VT(&value) = type;
+  if (type == VT_BSTR) V_BSTR(&value) = SysAllocString(text);
   return value;
 }
 
@@ -149,31 +151,24 @@ void LateOnly(IDispatch* object, LateCaller& caller, Checks& checks) {
   VARIANT msg = Variant(VT_EMPTY);
   VARIANT msg_ref = Variant(VT_BYREF | VT_VARIANT);
   V_VARIANTREF(&msg_ref) = &msg;
-  VARIANT text = Variant(VT_BSTR);
-  V_BSTR(&text) = SysAllocString(L"x");
   LONG wrong = 0;
   VARIANT wrong_ref = Variant(VT_BYREF | VT_I4);
   V_I4REF(&wrong_ref) = &wrong;
-  ExpectInvokeFails(caller, 12, {text}, DISP_E_BADPARAMCOUNT, "one argument short", checks);
-  text = Variant(VT_BSTR);
-  V_BSTR(&text) = SysAllocString(L"x");
-  ExpectInvokeFails(caller, 12, {text, wrong_ref}, DISP_E_TYPEMISMATCH, "msg as VT_I4 by ref",
-                    checks);
   VARIANT minus_one = Variant(VT_I4);
   V_I4(&minus_one) = -1;
+  ExpectInvokeFails(caller, 12, {Variant(VT_BSTR, L"x")}, DISP_E_BADPARAMCOUNT,
+                    "one argument short", checks);
+  ExpectInvokeFails(caller, 12, {Variant(VT_BSTR, L"x"), wrong_ref}, DISP_E_TYPEMISMATCH,
+                    "msg as VT_I4 by ref", checks);
   ExpectInvokeFails(caller, 4, {minus_one, msg_ref}, DISP_E_OVERFLOW, "listStyle -1", checks);
-  VARIANT letters = Variant(VT_BSTR);
-  V_BSTR(&letters) = SysAllocString(L"abc");
-  ExpectInvokeFails(caller, 4, {letters, msg_ref}, DISP_E_TYPEMISMATCH, "listStyle \"abc\"",
-                    checks);
+  ExpectInvokeFails(caller, 4, {Variant(VT_BSTR, L"abc"), msg_ref}, DISP_E_TYPEMISMATCH,
+                    "listStyle \"abc\"", checks);
   ExpectInvokeFails(caller, 99, {msg_ref}, DISP_E_MEMBERNOTFOUND, "dispatch id 99", checks);
   VariantClear(&msg);
 
   // A script's Null or Empty for a string is a missing argument.
   for (const VARTYPE missing : {VT_NULL, VT_EMPTY}) {
-    VARIANT udump = Variant(VT_BSTR);
-    V_BSTR(&udump) = SysAllocString(L"C:\\");
-    std::vector<VARIANT> args = {udump, Variant(missing), msg_ref};
+    std::vector<VARIANT> args = {Variant(VT_BSTR, L"C:\\"), Variant(missing), msg_ref};
     VARIANT result = Variant(VT_EMPTY);
     UINT bad = 0;
     const HRESULT hr = caller.InvokeRaw(25, args, &result, &bad);

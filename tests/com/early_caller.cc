@@ -33,78 +33,50 @@ class Inputs {
 
 using Early = std::function<HRESULT(IPelicor*, const Inputs&, BSTR* out, BSTR* msg)>;
 
+// One vtable call: `method` with its arguments, written with a.s(i) (a BSTR), a.u(i) (an
+// unsigned short), a.l(i) (a 64-bit number), o (the output) and m (msg).
+// clang-format off
+#define PELICOR_EARLY_CALL(method, ...)                                          \
+  {#method, [](IPelicor* p, const Inputs& a, [[maybe_unused]] BSTR* o, BSTR* m) { \
+     return p->method(__VA_ARGS__);                                              \
+   }}
+// clang-format on
+
 const std::map<std::string, Early>& EarlyCalls() {
+  // clang-format off
   static const std::map<std::string, Early> calls = {
-      {"FtpGetTraceFileList", [](IPelicor* p, const Inputs& a, BSTR*,
-                                 BSTR* m) { return p->FtpGetTraceFileList(a.u(0), m); }},
-      {"FtpGetTraceFile",
-       [](IPelicor* p, const Inputs& a, BSTR*, BSTR* m) { return p->FtpGetTraceFile(a.s(0), m); }},
-      {"NfsGetTraceFile",
-       [](IPelicor* p, const Inputs& a, BSTR*, BSTR* m) { return p->NfsGetTraceFile(a.s(0), m); }},
-      {"FtpSetConnectInfo",
-       [](IPelicor* p, const Inputs& a, BSTR*, BSTR* m) {
-         return p->FtpSetConnectInfo(a.s(0), a.s(1), a.s(2), a.s(3), m);
-       }},
-      {"ParseFile", [](IPelicor* p, const Inputs& a, BSTR* o,
-                       BSTR* m) { return p->ParseFile(a.s(0), a.u(1), a.u(2), a.u(3), o, m); }},
-      {"FtpParseFile",
-       [](IPelicor* p, const Inputs& a, BSTR* o, BSTR* m) {
-         return p->FtpParseFile(a.s(0), a.u(1), a.u(2), a.u(3), o, m);
-       }},
-      {"NfsParseFile",
-       [](IPelicor* p, const Inputs& a, BSTR* o, BSTR* m) {
-         return p->NfsParseFile(a.s(0), a.u(1), a.u(2), a.u(3), o, m);
-       }},
-      {"NfsSetConnectInfo", [](IPelicor* p, const Inputs& a, BSTR*,
-                               BSTR* m) { return p->NfsSetConnectInfo(a.s(0), m); }},
-      {"NfsGetTraceFileList", [](IPelicor* p, const Inputs& a, BSTR*,
-                                 BSTR* m) { return p->NfsGetTraceFileList(a.u(0), m); }},
-      {"SetWorkingDir",
-       [](IPelicor* p, const Inputs& a, BSTR*, BSTR* m) { return p->SetWorkingDir(a.s(0), m); }},
-      {"SetSortOption",
-       [](IPelicor* p, const Inputs& a, BSTR*, BSTR* m) {
-         return p->SetSortOption(a.u(0), a.u(1), a.u(2), a.u(3), m);
-       }},
-      {"FtpGetTraceFilePID", [](IPelicor* p, const Inputs& a, BSTR* o,
-                                BSTR* m) { return p->FtpGetTraceFilePID(a.s(0), a.u(1), o, m); }},
-      {"NfsGetTraceFilePID", [](IPelicor* p, const Inputs& a, BSTR* o,
-                                BSTR* m) { return p->NfsGetTraceFilePID(a.s(0), a.u(1), o, m); }},
-      {"ParseFileEx", [](IPelicor* p, const Inputs& a, BSTR* o,
-                         BSTR* m) { return p->ParseFileEx(a.s(0), a.u(1), a.u(2), o, m); }},
-      {"FtpParseFileEx", [](IPelicor* p, const Inputs& a, BSTR* o,
-                            BSTR* m) { return p->FtpParseFileEx(a.s(0), a.u(1), a.u(2), o, m); }},
-      {"NfsParseFileEx", [](IPelicor* p, const Inputs& a, BSTR* o,
-                            BSTR* m) { return p->NfsParseFileEx(a.s(0), a.u(1), a.u(2), o, m); }},
-      {"ZantivFtpTrcStartUp",
-       [](IPelicor* p, const Inputs& a, BSTR* o, BSTR* m) {
-         return p->ZantivFtpTrcStartUp(a.s(0), a.s(1), a.s(2), a.s(3), a.s(4), o, m);
-       }},
-      {"ZantivNfsTrcStartUp", [](IPelicor* p, const Inputs& a, BSTR* o,
-                                 BSTR* m) { return p->ZantivNfsTrcStartUp(a.s(0), a.s(1), o, m); }},
-      {"ZantivUtlTrcStartUp",
-       [](IPelicor* p, const Inputs& a, BSTR* o, BSTR* m) {
-         return p->ZantivUtlTrcStartUp(a.l(0), a.u(1), a.s(2), a.s(3), a.s(4), a.s(5), a.s(6),
-                                       a.s(7), a.s(8), o, m);
-       }},
-      {"ZantivGetTraceInfo", [](IPelicor* p, const Inputs& a, BSTR*,
-                                BSTR* m) { return p->ZantivGetTraceInfo(a.s(0), a.s(1), m); }},
-      {"FtpValidation",
-       [](IPelicor* p, const Inputs& a, BSTR*, BSTR* m) {
-         return p->FtpValidation(a.s(0), a.s(1), a.s(2), a.s(3), a.s(4), m);
-       }},
-      {"NfsValidation", [](IPelicor* p, const Inputs& a, BSTR*,
-                           BSTR* m) { return p->NfsValidation(a.s(0), a.s(1), m); }},
-      {"UtlValidation",
-       [](IPelicor* p, const Inputs& a, BSTR*, BSTR* m) {
-         return p->UtlValidation(a.l(0), a.u(1), a.s(2), a.s(3), a.s(4), a.s(5), a.s(6), a.s(7), m);
-       }},
-      {"FtpGetTraceFileListPID", [](IPelicor* p, const Inputs& a, BSTR*,
-                                    BSTR* m) { return p->FtpGetTraceFileListPID(a.s(0), m); }},
-      {"NfsGetTraceFileListPID", [](IPelicor* p, const Inputs& a, BSTR*,
-                                    BSTR* m) { return p->NfsGetTraceFileListPID(a.s(0), m); }},
+      PELICOR_EARLY_CALL(FtpGetTraceFileList, a.u(0), m),
+      PELICOR_EARLY_CALL(FtpGetTraceFile, a.s(0), m),
+      PELICOR_EARLY_CALL(NfsGetTraceFile, a.s(0), m),
+      PELICOR_EARLY_CALL(FtpSetConnectInfo, a.s(0), a.s(1), a.s(2), a.s(3), m),
+      PELICOR_EARLY_CALL(ParseFile, a.s(0), a.u(1), a.u(2), a.u(3), o, m),
+      PELICOR_EARLY_CALL(FtpParseFile, a.s(0), a.u(1), a.u(2), a.u(3), o, m),
+      PELICOR_EARLY_CALL(NfsParseFile, a.s(0), a.u(1), a.u(2), a.u(3), o, m),
+      PELICOR_EARLY_CALL(NfsSetConnectInfo, a.s(0), m),
+      PELICOR_EARLY_CALL(NfsGetTraceFileList, a.u(0), m),
+      PELICOR_EARLY_CALL(SetWorkingDir, a.s(0), m),
+      PELICOR_EARLY_CALL(SetSortOption, a.u(0), a.u(1), a.u(2), a.u(3), m),
+      PELICOR_EARLY_CALL(FtpGetTraceFilePID, a.s(0), a.u(1), o, m),
+      PELICOR_EARLY_CALL(NfsGetTraceFilePID, a.s(0), a.u(1), o, m),
+      PELICOR_EARLY_CALL(ParseFileEx, a.s(0), a.u(1), a.u(2), o, m),
+      PELICOR_EARLY_CALL(FtpParseFileEx, a.s(0), a.u(1), a.u(2), o, m),
+      PELICOR_EARLY_CALL(NfsParseFileEx, a.s(0), a.u(1), a.u(2), o, m),
+      PELICOR_EARLY_CALL(ZantivFtpTrcStartUp, a.s(0), a.s(1), a.s(2), a.s(3), a.s(4), o, m),
+      PELICOR_EARLY_CALL(ZantivNfsTrcStartUp, a.s(0), a.s(1), o, m),
+      PELICOR_EARLY_CALL(ZantivUtlTrcStartUp, a.l(0), a.u(1), a.s(2), a.s(3), a.s(4), a.s(5),
+                         a.s(6), a.s(7), a.s(8), o, m),
+      PELICOR_EARLY_CALL(ZantivGetTraceInfo, a.s(0), a.s(1), m),
+      PELICOR_EARLY_CALL(FtpValidation, a.s(0), a.s(1), a.s(2), a.s(3), a.s(4), m),
+      PELICOR_EARLY_CALL(NfsValidation, a.s(0), a.s(1), m),
+      PELICOR_EARLY_CALL(UtlValidation, a.l(0), a.u(1), a.s(2), a.s(3), a.s(4), a.s(5), a.s(6),
+                         a.s(7), m),
+      PELICOR_EARLY_CALL(FtpGetTraceFileListPID, a.s(0), m),
+      PELICOR_EARLY_CALL(NfsGetTraceFileListPID, a.s(0), m),
   };
+  // clang-format on
   return calls;
 }
+#undef PELICOR_EARLY_CALL
 
 std::string Take(BSTR* text) {
   std::string narrow = Narrow(*text, SysStringLen(*text));

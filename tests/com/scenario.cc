@@ -1,32 +1,15 @@
 #include "scenario.h"
 
-#include <fstream>
-#include <sstream>
 #include <vector>
+
+#include "../support/scratch.h"
 
 namespace com_test {
 
-std::string ReadWholeFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return "(none)";
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-void WriteWholeFile(const std::string& path, const std::string& text, bool append) {
-  std::ofstream out(path, std::ios::binary | (append ? std::ios::app : std::ios::trunc));
-  out << text;
-}
-
-std::string WithCrLf(const std::string& text) {
-  std::string converted;
-  for (const char c : text) {
-    if (c == '\n') converted += '\r';
-    converted += c;
-  }
-  return converted;
-}
+using pelicor_test::AppendFile;
+using pelicor_test::ReadLineFile;
+using pelicor_test::ReadWholeFile;
+using pelicor_test::WriteWholeFile;
 
 std::string WindowsPath(const std::string& unix_path) {
   std::string path = "Z:" + unix_path;
@@ -44,11 +27,6 @@ constexpr char kSessionXml[] = "4242_orcl.xml";
 // Found by the listing of a process id ("*4242.trc"), not by its lookup ("4242*.trc").
 constexpr char kOfPid[] = "orcl_4242.trc";
 constexpr char kOk[] = "OK";
-
-std::string Trim(std::string text) {
-  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-  return text;
-}
 
 bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
@@ -84,7 +62,7 @@ class Run {
     checks_.Expect(ReadWholeFile(path) == text, what + ": " + path);
   }
   std::string Golden(const std::string& name) const {
-    return WithCrLf(ReadWholeFile(paths_.fixtures + "\\" + name));
+    return pelicor_test::NativeLineEnds(ReadWholeFile(paths_.fixtures + "\\" + name));
   }
 
   void LocalParses() {
@@ -117,22 +95,22 @@ class Run {
     Expect("NfsGetTraceFile", {Text(kSession)}, S_OK, kOk);
     ExpectFile(work_ + "\\" + kSession, trace_, "copied by NfsGetTraceFile");
     // What the session wrote after the lookup: the start offset skips the first copy.
-    WriteWholeFile(share_ + "\\" + kSession, trace_, true);
+    AppendFile(share_ + "\\" + kSession, trace_);
     Expect("NfsParseFile", {Text(kSession), Num(0), Num(0), Num(0)}, S_OK, kOk, kSessionXml);
     ExpectFile(work_ + "\\" + kSessionXml, Golden("orcl_ora_4242.calls.xml"), "NfsParseFile");
     ExpectBatchEnds("NfsParseFileEx", {Text(kSession), Num(50), Num(0)}, kSessionXml);
     Expect("NfsValidation", {Text(share_), Text("4242")}, S_OK, kOk);
     Expect("ZantivNfsTrcStartUp", {Text(share_), Text("4242")}, S_OK, kOk, kSessionXml);
-    WriteWholeFile(share_ + "\\" + kSession, trace_, true);
+    AppendFile(share_ + "\\" + kSession, trace_);
     Expect("ZantivGetTraceInfo", {Text("update emp"), Text("9.2.0.4.0")}, S_OK, kOk);
     ExpectFile(kSessionXml, Golden("orcl_ora_4242.update.xml"), "ZantivGetTraceInfo");
   }
 
   void Ftp() {
     const std::string state = paths_.ftp_state;
-    const std::string host = "127.0.0.1:" + Trim(ReadWholeFile(state + "\\proftpd.port"));
-    const std::string user = Trim(ReadWholeFile(state + "\\user"));
-    const std::string password = Trim(ReadWholeFile(state + "\\password"));
+    const std::string host = "127.0.0.1:" + ReadLineFile(state + "\\proftpd.port");
+    const std::string user = ReadLineFile(state + "\\user");
+    const std::string password = ReadLineFile(state + "\\password");
     const std::string served = state + "\\root\\" + paths_.ftp_dir;
     const std::string udump = "/" + paths_.ftp_dir;
     CreateDirectoryA(served.c_str(), nullptr);
@@ -147,7 +125,7 @@ class Run {
     checks_.Expect(Contains(ReadWholeFile(work_ + "\\FtpTraceFileList.txt"), kOfPid),
                    "FtpTraceFileList.txt names the trace of the process id");
     Expect("FtpGetTraceFilePID", {Text("4242"), Num(0)}, S_OK, kOk, kSession);
-    WriteWholeFile(served + "\\" + kSession, trace_, true);
+    AppendFile(served + "\\" + kSession, trace_);
     Expect("FtpParseFile", {Text(kSession), Num(0), Num(0), Num(0)}, S_OK, kOk, kSessionXml);
     ExpectFile(work_ + "\\" + kSessionXml, Golden("orcl_ora_4242.calls.xml"), "FtpParseFile");
     DeleteFileA((work_ + "\\" + kSession).c_str());

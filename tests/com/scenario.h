@@ -21,10 +21,6 @@ struct Paths {
 
 void RunScenario(Caller& caller, const Paths& paths, Checks& checks);
 
-// File helpers shared with the client's own checks.
-std::string ReadWholeFile(const std::string& path);
-void WriteWholeFile(const std::string& path, const std::string& text, bool append = false);
-std::string WithCrLf(const std::string& text);
 // "/tmp/x" -> "Z:\tmp\x": Wine maps the Unix root to drive Z:.
 std::string WindowsPath(const std::string& unix_path);
 

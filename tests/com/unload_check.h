@@ -6,7 +6,8 @@
 
 namespace com_test {
 
-// Loads `dll` (a Windows path), checks its exports and its unload counts; the exit code.
+// Loads `dll` (a Windows path) and checks its unload counts; the exit code. (Its exports:
+// exports_check.sh.)
 int RunUnload(const std::string& dll);
 
 }  // namespace com_test

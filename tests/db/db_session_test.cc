@@ -1,5 +1,6 @@
-// The Oracle access layer against the stand-in client library: loading it, both ways to a
-// session, queries, Oracle errors, and every handle freed on every path.
+// The Oracle access layer against the stand-in client library: loading it and Oracle errors,
+// with every handle freed on every path. (Logon, attach and queries: utl_manager_test.cc and
+// utl_flows_test.cc.)
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -23,31 +24,6 @@ class DbSessionTest : public ::testing::Test {
  protected:
   FakeOracle server_;
 };
-
-TEST_F(DbSessionTest, LogonQueriesAndLogsOff) {
-  {
-    auto session = db::DBSession::Logon("scott", "tiger", "orcl", k92);
-    EXPECT_EQ(session->QueryText(kInstanceSql), "orcl");
-    server_.Set("instance", "");
-    EXPECT_EQ(session->QueryText(kInstanceSql), std::nullopt);  // no row
-  }
-  EXPECT_EQ(server_.Sent("logon "), std::vector<std::string>{"scott/tiger@orcl"});
-  EXPECT_EQ(server_.Sent("prepare "), (std::vector<std::string>{kInstanceSql, kInstanceSql}));
-  EXPECT_EQ(server_.Sent("logoff").size(), 1u);
-}
-
-// The host's connection is used, not logged off, and its environment gives our handles.
-TEST_F(DbSessionTest, AttachUsesTheHostsConnection) {
-  const std::uint64_t handle = server_.HostHandle();
-  server_.ClearTranscript();
-  {
-    auto session = db::DBSession::Attach(handle, k92);
-    EXPECT_EQ(session->QueryText("select host_name from v$instance"), "dbhost01");
-  }
-  EXPECT_EQ(server_.Sent("attrget ").size(), 1u);
-  EXPECT_EQ(server_.Sent("logon ").size(), 0u);
-  EXPECT_EQ(server_.Sent("logoff").size(), 0u);
-}
 
 // An Oracle error carries its text unchanged, its code and category 3; what failed half-way is
 // released.
@@ -73,18 +49,6 @@ TEST_F(DbSessionTest, OracleErrorsCarryTextAndCode) {
             "3113/3|OCIStmtPrepare|ORA-03113: end-of-file on communication channel");
 }
 
-TEST_F(DbSessionTest, PlsqlWithNamedBinds) {
-  auto session = db::DBSession::Logon("scott", "tiger", "orcl", k92);
-  auto query = session->NewQuery();
-  query->Prepare(
-      "BEGIN BEGIN :result := vandel_trace_file_io.validate_file( 'test', '*'); END; END;");
-  int result = -1;
-  query->BindInteger(":result", &result);
-  EXPECT_TRUE(query->Execute());
-  EXPECT_EQ(result, 0);
-  EXPECT_EQ(server_.Sent("bind "), std::vector<std::string>{":result 3 4"});
-}
-
 TEST_F(DbSessionTest, ClientLibraryFailures) {
   setenv("PELICOR_OCI_LIBRARY", "/nowhere/libclntsh.so", 1);
   const std::string missing = Raised([] { db::DBSession::Logon("scott", "tiger", "orcl", k92); });
@@ -107,16 +71,6 @@ TEST_F(DbSessionTest, ClientLibraryFailures) {
   EXPECT_EQ(Raised([] { db::DBSession::Logon("scott", "tiger", "orcl", k92); }),
             "DBSession|db::DBSession|OCIEnvCreate|The Oracle client library could not create an "
             "OCI environment.");
-}
-
-// Release 7's call interface is gone from every client library: refused before loading one.
-TEST_F(DbSessionTest, ReleaseSevenIsRefused) {
-  EXPECT_EQ(Raised([] {
-              db::DBSession::Attach(1, db::Release{7, 3});
-            }),
-            "DBSession|db::DBSession|DBSession|Oracle release 7.3 is not supported: the version 8 "
-            "call interface (Oracle 8.0 or later) is needed.");
-  EXPECT_EQ(server_.Sent("").size(), 0u);
 }
 
 }  // namespace

@@ -1,14 +1,13 @@
 // A trace read through V$DIAG_TRACE_FILE_CONTENTS, the way for servers without the package.
+// (That the documents and the report read through it equal the local file's: db_commands_test.sh.)
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "../support/raised.h"
 #include "db/db_session.h"
 #include "fake_oracle.h"
-#include "parser/trace_parser.h"
 #include "transport/utl/diag_trace_reader.h"
 
 namespace {
@@ -57,31 +56,6 @@ TEST_F(DiagReaderTest, LinesInOrder) {
   EXPECT_EQ(server_.Sent("prefetch "), Strings{"1000"});
   EXPECT_EQ(ReadAll("a.trc", 4), "\ntwo\r\nthree\n");
   EXPECT_EQ(ReadAll("missing.trc"), "(none)");
-}
-
-// The same trace parsed through the view and from the file gives the same document.
-TEST_F(DiagReaderTest, ParsedThroughTheViewAsFromTheFile) {
-  pelicor_test::WriteWholeFile(server_.folder() / "orcl_ora_4242.trc",
-                               pelicor_test::FixtureTrace());
-  // The aggregated document goes to the current directory.
-  const auto document = [&](auto&& parse) {
-    pelicor_test::ScratchDir out;
-    const std::filesystem::path previous = std::filesystem::current_path();
-    std::filesystem::current_path(out.path());
-    parser::CTraceParser parser;
-    parse(parser);
-    parser.CreateTkprofXML("orcl_ora_4242.trc");
-    std::filesystem::current_path(previous);
-    return pelicor_test::ReadWholeFile(out.path() / "orcl_ora_4242.xml");
-  };
-  const std::string expected = document([&](parser::CTraceParser& parser) {
-    parser.Parse((server_.folder() / "orcl_ora_4242.trc").string(), 0);
-  });
-  EXPECT_NE(expected, "");
-  EXPECT_EQ(document([&](parser::CTraceParser& parser) {
-              parser.ParseStream(reader_, "orcl_ora_4242.trc", 0);
-            }),
-            expected);
 }
 
 }  // namespace

@@ -138,6 +138,7 @@ TEST_F(UtlFlowsTest, StartUpOverTheHostsHandleThenStatementDocument) {
   EXPECT_EQ(ReadWholeFile(root() / "orcl_ora_4242.xml"),
             ReadWholeFile(fs::path(PELICOR_FACADE_DATA) / "orcl_ora_4242.update.xml"));
   EXPECT_EQ(server_.Sent("logon ").size(), 0u);
+  EXPECT_EQ(server_.Sent("logoff").size(), 0u);  // the host's connection stays open
   EXPECT_EQ(server_.Sent("attrget ").size(), 1u);
 
   // Before the marker the session ran the same update: only one of them may be counted, and

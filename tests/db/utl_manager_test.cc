@@ -57,37 +57,31 @@ struct QueryRow {
   const char* key;  // the scenario's answer that the query reads
   std::function<std::string(transport::CUtlManager&)> call;
   const char* value;
-  const char* sql;
   const char* message;
 };
 
-TEST_F(UtlManagerTest, EachQuerySendsItsTextAndRaisesItsMessage) {
+// One statement each (the stand-in answers only the exact texts it knows), and the message of
+// each when the answer has no row.
+TEST_F(UtlManagerTest, EachQueryReadsItsAnswerOrRaisesItsMessage) {
   const auto numbers = [](std::array<int, 5> v) {
     return std::to_string(v[0]) + "." + std::to_string(v[1]) + "." + std::to_string(v[2]) + "." +
            std::to_string(v[3]) + "." + std::to_string(v[4]);
   };
   const std::vector<QueryRow> rows = {
       {"user_dump_dest", [](auto& m) { return m.DumpDirectory(); }, pelicor_test::kServerDumpDir,
-       "select /* zantiv */ NVL(value,'NONE') from sys.v_$parameter where name='user_dump_dest'",
        "UTL did not retrieve user_dump_dest!"},
       {"tns_banner", [](auto& m) { return std::to_string(m.OsType()); }, "0",
-       "select /* zantiv */ upper(banner) from sys.v_$version where upper(banner) like 'TNS%'",
        "UTL did not retrieve Oracle OS type!"},
       {"os_version", [&](auto& m) { return numbers(m.OsVersion()); }, "9.2.0.4.0",
-       "select version  from sys.product_component_version where product like 'Oracle%'",
        "UTL did not retrieve Oracle OS version!"},
       {"plsql_banner", [&](auto& m) { return numbers(m.PlsqlVersion()); }, "9.2.0.4.0",
-       "select /* zantiv */ banner from sys.v_$version where upper(banner) like '%PL/SQL%%.%'",
        "UTL did not retrieve Oracle PL/SQL version!"},
       {"instance", [](auto& m) { return m.InstanceName(); }, "orcl",
-       "select /* zantiv */ NVL(LOWER(name),'NONE') from sys.v_$database",
        "UTL did not retrieve Oracle instance name!"},
       {"spid", [](auto& m) { return m.SessionProcessId(17, 4711); }, "4242",
-       "select /* zantiv */ p.spid from sys.v_$process p, sys.v_$session s where p.addr=s.paddr "
-       "and s.SID = 17 and s.SERIAL# = 4711",
        "UTL did not retrieve session process ID!"},
       {"host_name", [](auto& m) { return m.HostName(); }, "dbhost01",
-       "select host_name from v$instance", "UTL did not retrieve Oracle server name!"},
+       "UTL did not retrieve Oracle server name!"},
   };
   for (const QueryRow& row : rows) {
     SCOPED_TRACE(row.key);
@@ -96,7 +90,7 @@ TEST_F(UtlManagerTest, EachQuerySendsItsTextAndRaisesItsMessage) {
       present.Connect(server_.HostHandle(), 9, 2);
       server_.ClearTranscript();
       EXPECT_EQ(row.call(present), row.value);
-      EXPECT_EQ(server_.Sent("prepare "), Strings{row.sql});
+      EXPECT_EQ(server_.Sent("prepare ").size(), 1u);
     }
     server_.Set(row.key, "");
     transport::CUtlManager absent;
@@ -107,7 +101,8 @@ TEST_F(UtlManagerTest, EachQuerySendsItsTextAndRaisesItsMessage) {
   }
 }
 
-TEST_F(UtlManagerTest, OsTypeFromTheTnsBanner) {
+// The platform from the TNS banner; PL/SQL releases before 2.3 are refused.
+TEST_F(UtlManagerTest, OsTypeAndPlsqlReleaseFromTheBanners) {
   const std::vector<std::pair<const char*, int>> banners = {
       {"TNS for 32-bit Windows: Version 9.2.0.1.0 - Production", transport::kUtlWindows},
       {"TNS for OpenVMS: Version 9.2.0.1.0 - Production", transport::kUtlVms},
@@ -119,10 +114,7 @@ TEST_F(UtlManagerTest, OsTypeFromTheTnsBanner) {
     server_.Set("tns_banner", banner);
     EXPECT_EQ(manager_.OsType(), type) << banner;
   }
-}
-
-TEST_F(UtlManagerTest, PlsqlVersionsBefore23AreRefused) {
-  const std::vector<std::pair<const char*, bool>> banners = {
+  const std::vector<std::pair<const char*, bool>> plsql_banners = {
       {"PL/SQL Release 2.2.0.0.0 - Production", false},
       {"PL/SQL Release 2.3.4.0.0 - Production", true},
       {"PL/SQL Release 3.0.0.0.0 - Production", true},
@@ -131,7 +123,7 @@ TEST_F(UtlManagerTest, PlsqlVersionsBefore23AreRefused) {
       {"PL/SQL Release 10.2.0.4.0 - Production", true},
       {"PL/SQL Version 9.2", false},  // not the form we read: all zero
   };
-  for (const auto& [banner, passes] : banners) {
+  for (const auto& [banner, passes] : plsql_banners) {
     server_.Set("plsql_banner", banner);
     EXPECT_EQ(Raised([&] { manager_.ValidatePlsqlVersion(); }),
               passes ? ""

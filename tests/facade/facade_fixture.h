@@ -20,6 +20,7 @@
 namespace facade_test {
 
 namespace fs = std::filesystem;
+using pelicor_test::AppendFile;
 using pelicor_test::ReadWholeFile;
 using pelicor_test::WriteWholeFile;
 
@@ -28,10 +29,6 @@ inline constexpr const char* kXml = "orcl_ora_4242.xml";
 
 inline std::string Fixture(const std::string& name) {
   return ReadWholeFile(fs::path(PELICOR_TEST_DATA) / name);
-}
-
-inline void AppendFile(const fs::path& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary | std::ios::app) << text;
 }
 
 class FacadeTest : public ::testing::Test {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "../support/file_size_limit.h"
 #include "../support/scratch.h"
@@ -45,11 +46,8 @@ TEST(FullDisk, ParseMethodsAnswerOneAndKeepTheEarlierDocument) {
     EXPECT_EQ(msg, failed + dir.File("orcl_ora_4242.xml") + reason);
   }
   EXPECT_EQ(pelicor_test::ReadWholeFile(dir.path() / "orcl_ora_4242.xml"), "earlier");
-  std::string names;
-  for (const auto& entry : fs::directory_iterator(dir.path())) {
-    names += entry.path().filename().string() + " ";
-  }
-  EXPECT_EQ(names.size(), std::string("orcl_ora_4242.trc orcl_ora_4242.xml ").size()) << names;
+  EXPECT_EQ(pelicor_test::FileNames(dir.path()),
+            (std::vector<std::string>{"orcl_ora_4242.trc", "orcl_ora_4242.xml"}));
 }
 
 }  // namespace

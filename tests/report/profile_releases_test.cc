@@ -1,5 +1,6 @@
-// The profile of hand-written traces whose figures are known: an 8i trace in centiseconds, a
-// trace that starts mid-session, a shared server process with two sessions taking turns.
+// The profile of hand-written traces whose figures are known: a trace that starts mid-session, a
+// shared server process with two sessions taking turns. (The 8i trace in centiseconds: its whole
+// text and HTML reports, report_text_test.cc and html_golden_test.cc.)
 #include <gtest/gtest.h>
 
 #include "report/plan_rows.h"
@@ -8,49 +9,6 @@
 namespace {
 
 using report_test::ProfileOf;
-
-const report::EventFigures* Event(const std::vector<report::EventFigures>& events,
-                                  const std::string& name) {
-  for (const auto& e : events) {
-    if (e.name == name) return &e;
-  }
-  return nullptr;
-}
-
-TEST(ProfileReleases, Oracle8iCentisecondsBecomeMicroseconds) {
-  const report::Profile p = ProfileOf(report_test::kOracle8i);
-  EXPECT_TRUE(p.header.centiseconds);
-  EXPECT_EQ(p.header.release, "Oracle8i Enterprise Edition Release 8.1.7.0.0 - Production");
-  EXPECT_EQ(p.header.file, "e:\\oracle\\admin\\TEST\\udump\\ORA00138.TRC");
-  EXPECT_EQ(p.header.os_process, "138, image: ORACLE.EXE");
-  // From the PARSE's start (tim 1002 less e 2) to the last FETCH (tim 1050): 50 cs.
-  EXPECT_EQ(p.response_time, 500000);
-  EXPECT_EQ(p.cpu, 30000);
-  EXPECT_EQ(p.calls, 4u);
-  const report::EventFigures* scattered = Event(p.events, "db file scattered read");
-  ASSERT_NE(scattered, nullptr);
-  EXPECT_EQ(scattered->total, 50000);
-  EXPECT_FALSE(scattered->idle);
-  // 5 cs = 50 ms: the 10-100 ms decade; 40 cs the 100 ms-1 s one; 0 below 1 us.
-  EXPECT_EQ(scattered->histogram, (report::Histogram{0, 0, 0, 0, 0, 1, 0, 0}));
-  const report::EventFigures* idle = Event(p.events, "SQL*Net message from client");
-  ASSERT_NE(idle, nullptr);
-  EXPECT_TRUE(idle->idle);
-  EXPECT_EQ(idle->histogram, (report::Histogram{0, 0, 0, 0, 0, 0, 1, 0}));
-  EXPECT_EQ(Event(p.events, "SQL*Net message to client")->histogram,
-            (report::Histogram{1, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(p.Unaccounted(), 500000 - 30000 - 50000 - 400000);
-
-  ASSERT_EQ(p.statements.size(), 1u);
-  const report::StatementProfile& s = p.statements[0];
-  EXPECT_EQ(s.Rows(), 14);
-  EXPECT_EQ(s.elapsed_per_execution.max, 80000);  // the EXEC and its two FETCHes
-  EXPECT_EQ(s.cpu_per_execution.median, 20000);
-  ASSERT_EQ(s.plan.size(), 2u);
-  EXPECT_EQ(s.plan[0].operation, "SORT ORDER BY");
-  EXPECT_EQ(s.plan[1].depth, 1);
-  EXPECT_EQ(s.plan[1].rows, 14);
-}
 
 TEST(ProfileReleases, TraceStartingMidSessionCountsItsFirstLines) {
   const report::Profile p = ProfileOf(report_test::kMidSession);

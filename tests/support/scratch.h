@@ -2,6 +2,7 @@
 #ifndef PELICOR_TESTS_SUPPORT_SCRATCH_H_
 #define PELICOR_TESTS_SUPPORT_SCRATCH_H_
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +10,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace pelicor_test {
 
@@ -62,6 +64,28 @@ inline std::string ReadTextFile(const std::filesystem::path& path) {
 inline void WriteWholeFile(const std::filesystem::path& path, std::string_view contents) {
   std::ofstream(path, std::ios::binary | std::ios::trunc)
       .write(contents.data(), static_cast<std::streamsize>(contents.size()));
+}
+
+inline void AppendFile(const std::filesystem::path& path, std::string_view text) {
+  std::ofstream(path, std::ios::binary | std::ios::app)
+      .write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+// A file of one line (a port, a user name) without its line end.
+inline std::string ReadLineFile(const std::filesystem::path& path) {
+  std::string text = ReadWholeFile(path);
+  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+  return text;
+}
+
+// The names in `dir`, sorted: what a test left or a call wrote there.
+inline std::vector<std::string> FileNames(const std::filesystem::path& dir) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
 }
 
 // Where scratch directories go. Under Wine that is the host's /tmp reached as Z:\tmp, so the

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "transport/ftp/command_table.h"
 #include "transport/ftp/ftp_client.h"
 #include "transport/ftp/reply_parse.h"
 
@@ -99,29 +98,6 @@ TEST(FtpReplyParse, QuotedDirectory) {
   EXPECT_EQ(directory, "/a \"b\"");
   EXPECT_FALSE(ParseQuotedDirectory("257 /u01/udump", &directory));
   EXPECT_FALSE(ParseQuotedDirectory("257 \"/unterminated", &directory));
-}
-
-TEST(FtpCommandTable, MapsRepliesRowByRow) {
-  struct Case {
-    FtpCommand command;
-    int reply;
-    int result;
-  };
-  // The rows the real and the fault servers do not reach.
-  // clang-format off
-  const Case cases[] = {
-      {kCmdUser, 331, 1}, {kCmdPass, 332, 2}, {kCmdDele, 450, 1014}, {kCmdMkd, 227, 0},
-      {kCmdRmd, 257, 0}, {kCmdType, 530, 3002}, {kCmdRnfr, 550, 1010}, {kCmdRest, 350, 3},
-      {kCmdEndOfTransfer, 552, 1005}, {kCmdEndOfTransfer, 426, 3001},
-      {kCmdNoop, kReplyNotNumber, 3001}, {kCmdQuit, 2, 3001},
-  };
-  // clang-format on
-  for (const Case& c : cases) {
-    EXPECT_EQ(MapReply(c.command, c.reply), c.result) << c.command << " " << c.reply;
-  }
-  EXPECT_STREQ(FtpErrorString(1009), "Server rejects userid/passwd");
-  EXPECT_STREQ(FtpErrorString(2007), "Timeout occured");
-  EXPECT_STREQ(FtpErrorString(-1), "Transfer aborted by FtpAbort");
 }
 
 TEST(FtpSessionLife, CodesWithoutServer) {

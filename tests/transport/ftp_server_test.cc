@@ -90,7 +90,8 @@ class FtpServerTest : public ::testing::TestWithParam<Mode> {
   ScratchDir dir_;
 };
 
-TEST_P(FtpServerTest, NavigatesAndRefusesWhatIsNotThere) {
+// SIZE answers in binary type without a data connection; a missing file is 550.
+TEST_P(FtpServerTest, NavigatesAsksSizesAndRefusesWhatIsNotThere) {
   const std::string address = Address();
   // vsftpd's account is anonymous: any password will do.
   if (!Is("vsftpd")) {
@@ -102,6 +103,10 @@ TEST_P(FtpServerTest, NavigatesAndRefusesWhatIsNotThere) {
   std::string directory;
   EXPECT_EQ(FtpPWD(&directory), 0);
   EXPECT_EQ(directory, "/udump");
+  std::uint64_t size = 0;
+  ASSERT_EQ(FtpSize("big.bin", &size), 0) << FtpLastReply();
+  EXPECT_EQ(size, 300000u);
+  EXPECT_EQ(FtpSize("no-such.bin", &size), 1010);
   EXPECT_EQ(FtpCWD("no-such-dir"), 1008);
   EXPECT_EQ(FtpCDUP(), 0);
   EXPECT_EQ(FtpNOOP(), 0);
@@ -167,15 +172,6 @@ TEST_P(FtpServerTest, ListsNamesAndDetails) {
               (std::set<std::string>{"ora_1234.trc", "ora_1234_extra.trc"}));
     EXPECT_EQ(FtpDir("nomatch*", traces.c_str(), false), Is("proftpd") ? 3001 : 0);
   }
-  EXPECT_EQ(FtpNOOP(), 0);
-}
-
-// SIZE answers in binary type without a data connection; a missing file is 550.
-TEST_P(FtpServerTest, AsksTheSizeWithoutDownloading) {
-  std::uint64_t size = 0;
-  ASSERT_EQ(FtpSize("big.bin", &size), 0) << FtpLastReply();
-  EXPECT_EQ(size, 300000u);
-  EXPECT_EQ(FtpSize("no-such.bin", &size), 1010);
   EXPECT_EQ(FtpNOOP(), 0);
 }
 

@@ -15,8 +15,6 @@
 
 namespace pelicor_test {
 
-using pelicor_test::ReadWholeFile;
-
 class FtpServers {
  public:
   // Null when the fixture is not there.
@@ -28,7 +26,7 @@ class FtpServers {
   // "127.0.0.1:PORT" of "proftpd", "pyftpdlib" or a fault scenario; `host` in place of
   // 127.0.0.1 ("localhost", the name the TLS servers' certificate has).
   std::string Address(const std::string& server, const std::string& host = "127.0.0.1") const {
-    std::string port = Trim(ReadWholeFile(state_ / (server + ".port")));
+    std::string port = ReadLineFile(state_ / (server + ".port"));
     if (port.empty()) port = FaultPort(server);
     return host + ":" + port;
   }
@@ -58,12 +56,7 @@ class FtpServers {
   }
   std::string Account(const std::string& server, const std::string& what) const {
     const std::filesystem::path own = state_ / (server + "." + what);
-    return Trim(
-        ReadWholeFile(!server.empty() && std::filesystem::exists(own) ? own : state_ / what));
-  }
-  static std::string Trim(std::string text) {
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    return text;
+    return ReadLineFile(!server.empty() && std::filesystem::exists(own) ? own : state_ / what);
   }
   std::string FaultPort(const std::string& scenario) const {
     std::istringstream lines(ReadWholeFile(state_ / "fault.ports"));

@@ -1,10 +1,13 @@
 // A connected pair of sockets on 127.0.0.1 made with the TCP line layer itself, and a peer
-// that writes chunks with pauses between them, so one piece of data spans several reads.
+// that writes chunks with pauses between them, so one piece of data spans several reads; and
+// the line layer's trace captured for one test.
 #ifndef PELICOR_TESTS_TRANSPORT_LOOPBACK_H_
 #define PELICOR_TESTS_TRANSPORT_LOOPBACK_H_
 
 #include <chrono>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -66,6 +69,28 @@ class Loopback {
   transport::Socket reader_ = transport::kNoSocket;
   transport::Socket writer_ = transport::kNoSocket;
   std::thread peer_;
+};
+
+// What the line layer traces (`mask`) while the object lives; the process-wide settings are
+// put back afterwards.
+class TraceCapture {
+ public:
+  explicit TraceCapture(unsigned mask) {
+    transport::TcpSetTraceSink(sink_);
+    transport::TcpSetTraceMask(mask);
+  }
+  ~TraceCapture() {
+    transport::TcpSetTraceMask(0);
+    transport::TcpSetTraceSink(nullptr);
+  }
+  const std::string& text() const { return sink_->text; }
+
+ private:
+  struct Sink : transport::TraceSink {
+    void Write(std::string_view piece) override { text.append(piece); }
+    std::string text;
+  };
+  std::shared_ptr<Sink> sink_ = std::make_shared<Sink>();
 };
 
 }  // namespace pelicor_test

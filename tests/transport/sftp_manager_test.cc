@@ -1,9 +1,7 @@
 // CSftpManager against OpenSSH's sshd on 127.0.0.1 (and the proxy in front of it that drops
 // connections mid-transfer): host keys, log-on, listings, the session lookup, copies and line
 // streams.
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <regex>
 #include <string>
@@ -70,35 +68,30 @@ class SftpManagerTest : public ::testing::Test {
   std::string known_hosts_ = work_.File("known_hosts");
 };
 
-TEST_F(SftpManagerTest, UnknownHostKeyIsRefusedUntilAcceptedThenRecorded) {
+// An unknown key is refused until accepted, then recorded and trusted; a changed one is refused
+// even when new keys are accepted, and the recorded key stays.
+TEST_F(SftpManagerTest, HostKeysUnknownUntilAcceptedAndChangedNever) {
   sftp::SftpOptions options = Options("traces");
-  options.known_hosts = work_.File("empty_known_hosts");
-  const std::string key = server_->HostKey();
+  options.known_hosts = work_.File("new_known_hosts");
+  const std::string refused = kPrefix + std::string("Init|SFTP refused ") + Address(options.port) +
+                              ": its host key (" + server_->HostKeyFingerprint() + ") is not ";
   EXPECT_EQ(Raised([&] { Connect(options); }),
-            kPrefix + std::string("Init|SFTP refused ") + Address(options.port) +
-                ": its host key (" + server_->HostKeyFingerprint() + ") is not known in " +
-                options.known_hosts +
+            refused + "known in " + options.known_hosts +
                 ". Check the fingerprint, then accept the new host key once to record it.");
   EXPECT_FALSE(std::filesystem::exists(options.known_hosts));
-
   options.accept_new_host_key = true;
   EXPECT_EQ(Raised([&] { Connect(options); }), "");
-  EXPECT_EQ(ReadWholeFile(options.known_hosts), SftpServer::KnownHostsLine(options.port, key));
+  EXPECT_EQ(ReadWholeFile(options.known_hosts),
+            SftpServer::KnownHostsLine(options.port, server_->HostKey()));
   options.accept_new_host_key = false;
   EXPECT_EQ(Raised([&] { Connect(options); }), "") << "the recorded key is trusted";
-}
 
-TEST_F(SftpManagerTest, ChangedHostKeyIsRefusedEvenWhenNewKeysAreAccepted) {
-  sftp::SftpOptions options = Options("traces");
-  options.known_hosts = work_.File("stale_known_hosts");
   const std::string stale =
       SftpServer::KnownHostsLine(options.port, server_->PublicKey("id_other.pub"));
   WriteWholeFile(options.known_hosts, stale);
   options.accept_new_host_key = true;
   EXPECT_EQ(Raised([&] { Connect(options); }),
-            kPrefix + std::string("Init|SFTP refused ") + Address(options.port) +
-                ": its host key (" + server_->HostKeyFingerprint() +
-                ") is not the one recorded in " + options.known_hosts +
+            refused + "the one recorded in " + options.known_hosts +
                 ". Someone may be intercepting the connection; if the server's key was replaced "
                 "on purpose, remove its old entry (ssh-keygen -R) first.");
   EXPECT_EQ(ReadWholeFile(options.known_hosts), stale) << "the recorded key stays";
@@ -219,12 +212,8 @@ TEST_F(SftpManagerTest, CopiesWholeFilesAndRefusesNamesThatLeaveTheDirectory) {
   EXPECT_EQ(Raised([&] { manager->RetrieveFile("missing.trc", work_.str(), nullptr); }),
             kPrefix + std::string("OpenDataStream|SFTP failed to open missing.trc on ") +
                 Address(server_->Port()) + ": no such file or directory");
-  std::vector<std::string> left;
-  for (const auto& entry : std::filesystem::directory_iterator(work_.path())) {
-    left.push_back(entry.path().filename().string());
-  }
-  std::sort(left.begin(), left.end());
-  EXPECT_EQ(left, (std::vector<std::string>{"known_hosts", "repeated_9i.trc"}));
+  EXPECT_EQ(pelicor_test::FileNames(work_.path()),
+            (std::vector<std::string>{"known_hosts", "repeated_9i.trc"}));
 }
 
 TEST_F(SftpManagerTest, StreamsFromAnOffsetAndSeesWhatTheFileGrewBy) {
@@ -240,14 +229,14 @@ TEST_F(SftpManagerTest, StreamsFromAnOffsetAndSeesWhatTheFileGrewBy) {
   ASSERT_TRUE(manager->ReadNextLine(&line));
   EXPECT_EQ(line, "PARSING IN CURSOR #1\n");
   // Oracle goes on writing while we read.
-  std::ofstream(trace, std::ios::app | std::ios::binary) << "0\r\nWAIT #1: nam='x'\nSTAT";
+  pelicor_test::AppendFile(trace, "0\r\nWAIT #1: nam='x'\nSTAT");
   EXPECT_EQ(AllLines(*manager),
             (std::vector<std::string>{"EXEC #1:c=0\n", "FETCH #1:c=0\r\n", "WAIT #1: nam='x'\n"}));
   EXPECT_EQ(manager->OpenedSize(), 51u);
   manager->CloseLines();
 
   // The next read starts where the last whole line ended.
-  std::ofstream(trace, std::ios::app | std::ios::binary) << " #1 id=1\n";
+  pelicor_test::AppendFile(trace, " #1 id=1\n");
   const std::uint64_t offset = 7 + 21 + 12 + 14 + 17;
   ASSERT_TRUE(manager->OpenLines("orcl_ora_1.trc", offset));
   EXPECT_EQ(AllLines(*manager), (std::vector<std::string>{"STAT #1 id=1\n"}));

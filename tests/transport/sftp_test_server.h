@@ -55,11 +55,7 @@ class SftpServer {
     }
     return new SftpServer(state);
   }
-  std::string Read(const std::string& name) const {
-    std::string text = ReadWholeFile(state_ / name);
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    return text;
-  }
+  std::string Read(const std::string& name) const { return ReadLineFile(state_ / name); }
 
   std::filesystem::path state_;
 };

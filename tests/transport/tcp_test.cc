@@ -1,4 +1,3 @@
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,6 +10,7 @@ namespace transport {
 namespace {
 
 using pelicor_test::Loopback;
+using pelicor_test::TraceCapture;
 
 struct UntilCase {
   const char* name;
@@ -79,52 +79,6 @@ TEST(TcpConnect, ReportsEachFailureByItsStatusAndAcceptTimesOut) {
   EXPECT_EQ(accepted, kNoSocket);
   TcpClose(&listener);
 }
-
-// A listener whose backlog is full drops further SYNs: connect gives up at its deadline (-2)
-// instead of waiting out the system's retries.
-TEST(TcpConnect, TimesOutAtItsDeadline) {
-  TcpInit();
-  Socket listener = kNoSocket;
-  std::uint16_t port = 0;
-  ASSERT_EQ(TcpGetListenSocket(&listener, nullptr, &port, 0, "127.0.0.1"), 1);
-  std::vector<Socket> queued;
-  Socket socket = kNoSocket;
-  for (int i = 0; i < 3; ++i) {
-    std::uint16_t to = port;
-    const int status = TcpConnect(&socket, "127.0.0.1", nullptr, &to, Deadline::After(1));
-    if (status != 1) {
-      EXPECT_EQ(status, -2);
-      break;
-    }
-    queued.push_back(socket);
-  }
-  EXPECT_LT(queued.size(), 3u);  // the third at the latest found the backlog full
-  for (Socket& s : queued) TcpClose(&s);
-  TcpClose(&listener);
-}
-
-class CapturingSink : public TraceSink {
- public:
-  void Write(std::string_view text) override { text_.append(text); }
-  std::string text_;
-};
-
-// Keeps the process-wide trace settings from leaking into other tests.
-class TraceCapture {
- public:
-  explicit TraceCapture(unsigned mask) : sink_(std::make_shared<CapturingSink>()) {
-    TcpSetTraceSink(sink_);
-    TcpSetTraceMask(mask);
-  }
-  ~TraceCapture() {
-    TcpSetTraceMask(0);
-    TcpSetTraceSink(nullptr);
-  }
-  const std::string& text() const { return sink_->text_; }
-
- private:
-  std::shared_ptr<CapturingSink> sink_;
-};
 
 TEST(TcpTrace, WritesPrefixedLinesAndHexDumps) {
   Loopback pair;

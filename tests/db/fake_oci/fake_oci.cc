@@ -146,19 +146,32 @@ sword Fail(Err* err, sb4 code, const std::string& text) {
   return OCI_ERROR;
 }
 
-// A fail=FUNCTION|CODE|TEXT line for `function`: fails the call.
-bool Injected(const Scenario& scenario, const char* function, Err* err, sword* status) {
-  for (auto [it, end] = scenario.equal_range("fail"); it != end; ++it) {
+// The first `key` line (fail=, fail_sql=) "PART|CODE|TEXT" whose PART `applies`: fails the call.
+template <typename Applies>
+bool FailedByRule(const Scenario& scenario, const char* key, Applies applies, Err* err,
+                  sword* status) {
+  for (auto [it, end] = scenario.equal_range(key); it != end; ++it) {
     const std::string& rule = it->second;
     const std::size_t bar = rule.find('|');
     const std::size_t second = rule.find('|', bar + 1);
     if (bar == std::string::npos || second == std::string::npos) continue;
-    if (rule.compare(0, bar, function) != 0) continue;
+    if (!applies(rule.substr(0, bar))) continue;
     *status = Fail(err, std::atoi(rule.substr(bar + 1, second - bar - 1).c_str()),
                    rule.substr(second + 1));
     return true;
   }
   return false;
+}
+
+// A fail=FUNCTION|CODE|TEXT line for `function`: fails the call.
+bool Injected(const Scenario& scenario, const char* function, Err* err, sword* status) {
+  return FailedByRule(
+      scenario, "fail", [function](const std::string& part) { return part == function; }, err,
+      status);
+}
+
+bool StartsWith(const std::string& text, const char* head) {
+  return text.compare(0, std::strlen(head), head) == 0;
 }
 
 // --- The server's answers ---------------------------------------------------------------------
@@ -190,47 +203,34 @@ std::string Upper(std::string text) {
 
 // The answer to a dictionary query: true with *found false when it has no row.
 bool Answer(const Scenario& scenario, const std::string& sql, std::string* value, bool* found) {
-  const std::map<std::string, std::string> keyed = {{kDumpSql, "user_dump_dest"},
-                                                    {kOsVersionSql, "os_version"},
-                                                    {kPlsqlSql, "plsql_banner"},
-                                                    {kInstanceSql, "instance"},
-                                                    {kHostSql, "host_name"}};
-  const std::string* answer = nullptr;
+  const std::map<std::string, std::string> keyed = {
+      {kDumpSql, "user_dump_dest"}, {kOsTypeSql, "tns_banner"}, {kOsVersionSql, "os_version"},
+      {kPlsqlSql, "plsql_banner"},  {kInstanceSql, "instance"}, {kHostSql, "host_name"}};
+  const bool spid_query = StartsWith(sql, kSpidSql);
+  std::string answer;
+  *found = false;
   if (const auto key = keyed.find(sql); key != keyed.end()) {
-    answer = Find(scenario, key->second);
-  } else if (sql == kOsTypeSql) {
-    answer = Find(scenario, "tns_banner");
-    if (answer) {
-      *value = Upper(*answer);
-      *found = true;
-      return true;
-    }
-  } else if (sql.compare(0, std::strlen(kSpidSql), kSpidSql) == 0 ||
-             sql.compare(0, std::strlen(kTraceFileSql), kTraceFileSql) == 0) {
-    const bool spid_query = sql.compare(0, std::strlen(kSpidSql), kSpidSql) == 0;
+    const std::string* row = Find(scenario, key->second);
+    *found = row != nullptr;
+    if (row) answer = sql == kOsTypeSql ? Upper(*row) : *row;
+  } else if (spid_query || StartsWith(sql, kTraceFileSql)) {
+    // spid= and tracefile= lines: SID,SERIAL#,ANSWER.
     for (auto [it, end] = scenario.equal_range(spid_query ? "spid" : "tracefile"); it != end;
          ++it) {
       std::istringstream fields(it->second);
-      std::string sid, serial, spid;
+      std::string sid, serial;
       std::getline(fields, sid, ',');
       std::getline(fields, serial, ',');
-      std::getline(fields, spid, ',');
-      if (spid_query ? sql == kSpidSql + sid + " and s.SERIAL# = " + serial
-                     : sql == kTraceFileSql + sid + " and s.serial# = " + serial)
-        answer = &it->second;
-      if (answer) {
-        *value = spid;
-        *found = true;
-        return true;
-      }
+      std::getline(fields, answer, ',');
+      *found = sql == (spid_query ? kSpidSql + sid + " and s.SERIAL# = "
+                                  : kTraceFileSql + sid + " and s.serial# = ") +
+                          serial;
+      if (*found) break;
     }
-    *found = false;
-    return true;
   } else {
     return false;
   }
-  *found = answer != nullptr;
-  if (answer) *value = *answer;
+  if (*found) *value = answer;
   return true;
 }
 
@@ -305,8 +305,8 @@ sword RunPackage(const Scenario& scenario, Svc& svc, Stmt& stmt, Err* err) {
     *IntBind(stmt, ":result") = 0;
     return OCI_SUCCESS;
   }
-  const bool validate = text.compare(0, std::strlen(kValidate), kValidate) == 0;
-  const bool open = text.compare(0, std::strlen(kOpen), kOpen) == 0;
+  const bool validate = StartsWith(text, kValidate);
+  const bool open = StartsWith(text, kOpen);
   if (!validate && !open)
     return Fail(err, 6550, "ORA-06550: line 1, column 7:\nunexpected block\n");
   if (!Arguments(text, std::strlen(validate ? kValidate : kOpen), &args) ||
@@ -353,16 +353,11 @@ sword RunPackage(const Scenario& scenario, Svc& svc, Stmt& stmt, Err* err) {
 sword Deliver(Stmt& stmt, const std::string& value);
 
 sword Execute(const Scenario& scenario, Svc& svc, Stmt& stmt, Err* err, ub4 iters) {
-  for (auto [it, end] = scenario.equal_range("fail_sql"); it != end; ++it) {
-    const std::string& rule = it->second;
-    const std::size_t bar = rule.find('|');
-    const std::size_t second = rule.find('|', bar + 1);
-    if (stmt.text.find(rule.substr(0, bar)) != std::string::npos) {
-      return Fail(err, std::atoi(rule.substr(bar + 1, second - bar - 1).c_str()),
-                  rule.substr(second + 1));
-    }
-  }
-  if (stmt.text.compare(0, 6, "BEGIN ") == 0) {
+  const auto held = [&stmt](const std::string& part) {
+    return stmt.text.find(part) != std::string::npos;
+  };
+  if (sword status; FailedByRule(scenario, "fail_sql", held, err, &status)) return status;
+  if (StartsWith(stmt.text, "BEGIN ")) {
     if (iters != 1) return Fail(err, 24333, "ORA-24333: zero iteration count\n");
     return RunPackage(scenario, svc, stmt, err);
   }
@@ -410,17 +405,18 @@ std::string Text(const OraText* text, ub4 length) {
 
 }  // namespace
 
-extern "C" {
+#define FAKE_OCI_EXPORT extern "C" __attribute__((visibility("default")))
 
-__attribute__((visibility("default"))) int fake_oci_live_handles(void) {
+FAKE_OCI_EXPORT int fake_oci_live_handles(void) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   return static_cast<int>(Global().live.size());
 }
 
-__attribute__((visibility("default"))) sword OCIEnvCreate(
-    OCIEnv** envhpp, ub4 /*mode*/, void* /*ctxp*/, void* (* /*malocfp*/)(void*, std::size_t),
-    void* (* /*ralocfp*/)(void*, void*, std::size_t), void (* /*mfreefp*/)(void*, void*),
-    std::size_t /*xtramem_sz*/, void** /*usrmempp*/) {
+FAKE_OCI_EXPORT sword OCIEnvCreate(OCIEnv** envhpp, ub4 /*mode*/, void* /*ctxp*/,
+                                   void* (* /*malocfp*/)(void*, std::size_t),
+                                   void* (* /*ralocfp*/)(void*, void*, std::size_t),
+                                   void (* /*mfreefp*/)(void*, void*), std::size_t /*xtramem_sz*/,
+                                   void** /*usrmempp*/) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   const Scenario scenario = ReadScenario();
   sword status = OCI_SUCCESS;
@@ -432,8 +428,8 @@ __attribute__((visibility("default"))) sword OCIEnvCreate(
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCIHandleAlloc(const void* parenth, void** hndlpp,
-                                                            ub4 type, std::size_t, void**) {
+FAKE_OCI_EXPORT sword OCIHandleAlloc(const void* parenth, void** hndlpp, ub4 type, std::size_t,
+                                     void**) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   *hndlpp = nullptr;
   if (Live<Env>(parenth, OCI_HTYPE_ENV) == nullptr) return OCI_INVALID_HANDLE;
@@ -445,7 +441,7 @@ __attribute__((visibility("default"))) sword OCIHandleAlloc(const void* parenth,
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCIHandleFree(void* hndlp, ub4 type) {
+FAKE_OCI_EXPORT sword OCIHandleFree(void* hndlp, ub4 type) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   auto* handle = static_cast<Handle*>(hndlp);
   if (Global().live.count(handle) == 0 || handle->type != type || type == OCI_HTYPE_SVCCTX)
@@ -455,25 +451,22 @@ __attribute__((visibility("default"))) sword OCIHandleFree(void* hndlp, ub4 type
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCIAttrGet(const void* trgthndlp, ub4 trghndltyp,
-                                                        void* attributep, ub4* /*sizep*/,
-                                                        ub4 attrtype, OCIError* errhp) {
+FAKE_OCI_EXPORT sword OCIAttrGet(const void* trgthndlp, ub4 trghndltyp, void* attributep,
+                                 ub4* /*sizep*/, ub4 attrtype, OCIError* errhp) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   const Scenario scenario = ReadScenario();
   Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
   Svc* svc = Live<Svc>(trgthndlp, OCI_HTYPE_SVCCTX);
   if (err == nullptr || svc == nullptr || trghndltyp != OCI_HTYPE_SVCCTX) return OCI_INVALID_HANDLE;
-  sword status = OCI_SUCCESS;
-  if (Injected(scenario, "OCIAttrGet", err, &status)) return status;
+  if (sword status; Injected(scenario, "OCIAttrGet", err, &status)) return status;
   if (attrtype != OCI_ATTR_ENV) return Fail(err, 24315, "ORA-24315: illegal attribute type\n");
   Note(scenario, "attrget env");
   *static_cast<OCIEnv**>(attributep) = reinterpret_cast<OCIEnv*>(static_cast<Handle*>(svc->env));
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCIAttrSet(void* trgthndlp, ub4 trghndltyp,
-                                                        void* attributep, ub4 /*size*/,
-                                                        ub4 attrtype, OCIError* errhp) {
+FAKE_OCI_EXPORT sword OCIAttrSet(void* trgthndlp, ub4 trghndltyp, void* attributep, ub4 /*size*/,
+                                 ub4 attrtype, OCIError* errhp) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
   if (err == nullptr || Live<Stmt>(trgthndlp, OCI_HTYPE_STMT) == nullptr ||
@@ -485,9 +478,8 @@ __attribute__((visibility("default"))) sword OCIAttrSet(void* trgthndlp, ub4 trg
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCIErrorGet(void* hndlp, ub4 recordno,
-                                                         OraText* /*sqlstate*/, sb4* errcodep,
-                                                         OraText* bufp, ub4 bufsiz, ub4 type) {
+FAKE_OCI_EXPORT sword OCIErrorGet(void* hndlp, ub4 recordno, OraText* /*sqlstate*/, sb4* errcodep,
+                                  OraText* bufp, ub4 bufsiz, ub4 type) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   Err* err = Live<Err>(hndlp, OCI_HTYPE_ERROR);
   if (err == nullptr || type != OCI_HTYPE_ERROR) return OCI_INVALID_HANDLE;
@@ -499,18 +491,15 @@ __attribute__((visibility("default"))) sword OCIErrorGet(void* hndlp, ub4 record
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCILogon(OCIEnv* envhp, OCIError* errhp,
-                                                      OCISvcCtx** svchp, const OraText* username,
-                                                      ub4 uname_len, const OraText* password,
-                                                      ub4 passwd_len, const OraText* dbname,
-                                                      ub4 dbname_len) {
+FAKE_OCI_EXPORT sword OCILogon(OCIEnv* envhp, OCIError* errhp, OCISvcCtx** svchp,
+                               const OraText* username, ub4 uname_len, const OraText* password,
+                               ub4 passwd_len, const OraText* dbname, ub4 dbname_len) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   const Scenario scenario = ReadScenario();
   Env* env = Live<Env>(envhp, OCI_HTYPE_ENV);
   Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
   if (env == nullptr || err == nullptr) return OCI_INVALID_HANDLE;
-  sword status = OCI_SUCCESS;
-  if (Injected(scenario, "OCILogon", err, &status)) return status;
+  if (sword status; Injected(scenario, "OCILogon", err, &status)) return status;
   const std::string user = Text(username, uname_len);
   const std::string pass = Text(password, passwd_len);
   const std::string database = Text(dbname, dbname_len);
@@ -526,7 +515,7 @@ __attribute__((visibility("default"))) sword OCILogon(OCIEnv* envhp, OCIError* e
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCILogoff(OCISvcCtx* svchp, OCIError* errhp) {
+FAKE_OCI_EXPORT sword OCILogoff(OCISvcCtx* svchp, OCIError* errhp) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   Svc* svc = Live<Svc>(svchp, OCI_HTYPE_SVCCTX);
   if (svc == nullptr || Live<Err>(errhp, OCI_HTYPE_ERROR) == nullptr) return OCI_INVALID_HANDLE;
@@ -536,16 +525,14 @@ __attribute__((visibility("default"))) sword OCILogoff(OCISvcCtx* svchp, OCIErro
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCIStmtPrepare(OCIStmt* stmtp, OCIError* errhp,
-                                                            const OraText* stmt, ub4 stmt_len,
-                                                            ub4 language, ub4 /*mode*/) {
+FAKE_OCI_EXPORT sword OCIStmtPrepare(OCIStmt* stmtp, OCIError* errhp, const OraText* stmt,
+                                     ub4 stmt_len, ub4 language, ub4 /*mode*/) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   const Scenario scenario = ReadScenario();
   Stmt* statement = Live<Stmt>(stmtp, OCI_HTYPE_STMT);
   Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
   if (statement == nullptr || err == nullptr) return OCI_INVALID_HANDLE;
-  sword status = OCI_SUCCESS;
-  if (Injected(scenario, "OCIStmtPrepare", err, &status)) return status;
+  if (sword status; Injected(scenario, "OCIStmtPrepare", err, &status)) return status;
   if (language != OCI_NTV_SYNTAX) return Fail(err, 1003, "ORA-01003: no statement parsed\n");
   statement->text = Text(stmt, stmt_len);
   statement->binds.clear();
@@ -555,17 +542,17 @@ __attribute__((visibility("default"))) sword OCIStmtPrepare(OCIStmt* stmtp, OCIE
 }
 
 #ifndef FAKE_OCI_WITHOUT_BIND
-__attribute__((visibility("default"))) sword OCIBindByName(
-    OCIStmt* stmtp, OCIBind** bindpp, OCIError* errhp, const OraText* placeholder, sb4 placeh_len,
-    void* valuep, sb4 value_sz, ub2 dty, void* /*indp*/, ub2* /*alenp*/, ub2* /*rcodep*/,
-    ub4 /*maxarr_len*/, ub4* /*curelep*/, ub4 /*mode*/) {
+FAKE_OCI_EXPORT sword OCIBindByName(OCIStmt* stmtp, OCIBind** bindpp, OCIError* errhp,
+                                    const OraText* placeholder, sb4 placeh_len, void* valuep,
+                                    sb4 value_sz, ub2 dty, void* /*indp*/, ub2* /*alenp*/,
+                                    ub2* /*rcodep*/, ub4 /*maxarr_len*/, ub4* /*curelep*/,
+                                    ub4 /*mode*/) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   const Scenario scenario = ReadScenario();
   Stmt* statement = Live<Stmt>(stmtp, OCI_HTYPE_STMT);
   Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
   if (statement == nullptr || err == nullptr) return OCI_INVALID_HANDLE;
-  sword status = OCI_SUCCESS;
-  if (Injected(scenario, "OCIBindByName", err, &status)) return status;
+  if (sword status; Injected(scenario, "OCIBindByName", err, &status)) return status;
   const std::string name = Text(placeholder, static_cast<ub4>(placeh_len));
   if (statement->text.find(name) == std::string::npos)
     return Fail(err, 1036, "ORA-01036: illegal variable name/number\n");
@@ -576,11 +563,9 @@ __attribute__((visibility("default"))) sword OCIBindByName(
 }
 #endif
 
-__attribute__((visibility("default"))) sword OCIDefineByPos(OCIStmt* stmtp, OCIDefine** defnpp,
-                                                            OCIError* errhp, ub4 position,
-                                                            void* valuep, sb4 value_sz, ub2 dty,
-                                                            void* indp, ub2* /*rlenp*/,
-                                                            ub2* /*rcodep*/, ub4 /*mode*/) {
+FAKE_OCI_EXPORT sword OCIDefineByPos(OCIStmt* stmtp, OCIDefine** defnpp, OCIError* errhp,
+                                     ub4 position, void* valuep, sb4 value_sz, ub2 dty, void* indp,
+                                     ub2* /*rlenp*/, ub2* /*rcodep*/, ub4 /*mode*/) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   const Scenario scenario = ReadScenario();
   Stmt* statement = Live<Stmt>(stmtp, OCI_HTYPE_STMT);
@@ -594,9 +579,8 @@ __attribute__((visibility("default"))) sword OCIDefineByPos(OCIStmt* stmtp, OCID
   return OCI_SUCCESS;
 }
 
-__attribute__((visibility("default"))) sword OCIStmtFetch2(OCIStmt* stmtp, OCIError* errhp,
-                                                           ub4 nrows, ub2 orientation,
-                                                           sb4 /*fetchOffset*/, ub4 /*mode*/) {
+FAKE_OCI_EXPORT sword OCIStmtFetch2(OCIStmt* stmtp, OCIError* errhp, ub4 nrows, ub2 orientation,
+                                    sb4 /*fetchOffset*/, ub4 /*mode*/) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   Stmt* statement = Live<Stmt>(stmtp, OCI_HTYPE_STMT);
   Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
@@ -607,19 +591,15 @@ __attribute__((visibility("default"))) sword OCIStmtFetch2(OCIStmt* stmtp, OCIEr
   return Deliver(*statement, statement->rows[statement->next_row++]);
 }
 
-__attribute__((visibility("default"))) sword OCIStmtExecute(OCISvcCtx* svchp, OCIStmt* stmtp,
-                                                            OCIError* errhp, ub4 iters,
-                                                            ub4 /*rowoff*/, const OCISnapshot*,
-                                                            OCISnapshot*, ub4 /*mode*/) {
+FAKE_OCI_EXPORT sword OCIStmtExecute(OCISvcCtx* svchp, OCIStmt* stmtp, OCIError* errhp, ub4 iters,
+                                     ub4 /*rowoff*/, const OCISnapshot*, OCISnapshot*,
+                                     ub4 /*mode*/) {
   std::lock_guard<std::mutex> lock(Global().mutex);
   const Scenario scenario = ReadScenario();
   Svc* svc = Live<Svc>(svchp, OCI_HTYPE_SVCCTX);
   Stmt* statement = Live<Stmt>(stmtp, OCI_HTYPE_STMT);
   Err* err = Live<Err>(errhp, OCI_HTYPE_ERROR);
   if (svc == nullptr || statement == nullptr || err == nullptr) return OCI_INVALID_HANDLE;
-  sword status = OCI_SUCCESS;
-  if (Injected(scenario, "OCIStmtExecute", err, &status)) return status;
+  if (sword status; Injected(scenario, "OCIStmtExecute", err, &status)) return status;
   return Execute(scenario, *svc, *statement, err, iters);
 }
-
-}  // extern "C"
