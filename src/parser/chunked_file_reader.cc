@@ -70,11 +70,11 @@ void ChunkedFileReader::Work() {
         return;
       }
     }
-    Chunk& chunk = slots_[index % slots_.size()];
+    Chunk& chunk = slots_[SlotOf(index)];
     FillChunk(file, &chunk);
     {
       const std::lock_guard<std::mutex> lock(mutex_);
-      states_[index % slots_.size()] = SlotState::kReady;
+      states_[SlotOf(index)] = SlotState::kReady;
     }
     ready_.notify_all();
   }
@@ -89,10 +89,10 @@ bool ChunkedFileReader::PlanChunk(std::ifstream& file, std::uint64_t* index) {
     return false;
   }
   *index = next_index_++;
-  Chunk& chunk = slots_[*index % slots_.size()];
+  Chunk& chunk = slots_[SlotOf(*index)];
   chunk.start = next_start_;
   chunk.end = end;
-  states_[*index % slots_.size()] = SlotState::kFilling;
+  states_[SlotOf(*index)] = SlotState::kFilling;
   next_start_ = end;
   return true;
 }
@@ -167,12 +167,12 @@ void ChunkedFileReader::MeasureBindBlocks(Chunk* chunk) {
 bool ChunkedFileReader::NextChunk() {
   std::unique_lock<std::mutex> lock(mutex_);
   if (holding_) {
-    states_[taken_ % slots_.size()] = SlotState::kFree;
+    states_[SlotOf(taken_)] = SlotState::kFree;
     ++taken_;
     holding_ = false;
     room_.notify_all();
   }
-  const std::size_t slot = taken_ % slots_.size();
+  const std::size_t slot = SlotOf(taken_);
   ready_.wait(lock, [&] {
     return states_[slot] == SlotState::kReady || (planned_all_ && taken_ >= chunk_count_);
   });
@@ -205,7 +205,7 @@ void ChunkedFileReader::ReadTailFrom(std::uint64_t start) {
 bool ChunkedFileReader::NextRun(PieceRun* run) {
   while (tail_ == nullptr && !tail_failed_) {
     if (!NextChunk()) break;
-    const Chunk& chunk = slots_[taken_ % slots_.size()];
+    const Chunk& chunk = slots_[SlotOf(taken_)];
     if (chunk.pieces.empty()) continue;
     *run = PieceRun{chunk.pieces.data(), chunk.pieces.size(), chunk.scans.data()};
     return true;

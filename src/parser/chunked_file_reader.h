@@ -56,6 +56,10 @@ class ChunkedFileReader : public PieceReader {
   };
   enum class SlotState { kFree, kFilling, kReady };
 
+  // The slot of chunk `index`: chunks go round the slots in turn.
+  std::size_t SlotOf(std::uint64_t index) const {
+    return static_cast<std::size_t>(index % slots_.size());
+  }
   void Work();
   // Plans the next chunk for a worker (under the lock): false when the rest is the tail.
   bool PlanChunk(std::ifstream& file, std::uint64_t* index);

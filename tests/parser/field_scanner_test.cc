@@ -41,10 +41,6 @@ const char* const kCallLines[] = {
     " FETCH #3:c=0,e=1\n",
     "FETCH #4294967296:c=1,e=2,p=3,cr=4,cu=5,mis=6,r=7,dep=8,og=9,tim=10\n",
     "FETCH #07:c=007,e=0010,p=00,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=000\n",
-    // Eighteen digits are read as they stand, nineteen and more as the general rules say.
-    "FETCH #3:c=999999999999999999,e=1,p=999999999999999999,cr=4,cu=0,mis=0,r=1,dep=0,og=4,"
-    "tim=999999999999999999\n",
-    "FETCH #3:c=9999999999999999999,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1x\n",
     "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=12 and more\n",
     "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=-12\n",
     "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4\n",
@@ -57,6 +53,10 @@ const char* const kCallLines[] = {
 const char* const kCallLinesOutOfIntRange[] = {
     "FETCH #3:c=0,e=142,p=4294967296,cr=4294967295,cu=2147483648,mis=-2147483649,r=1\n",
     "FETCH #3:c=0,e=1,p=99999999999999999999,cr=-99999999999999999999,cu=1,mis=0\n",
+    // Eighteen digits are read as they stand, nineteen and more as the general rules say.
+    "FETCH #3:c=999999999999999999,e=1,p=999999999999999999,cr=4,cu=0,mis=0,r=1,dep=0,og=4,"
+    "tim=999999999999999999\n",
+    "FETCH #3:c=9999999999999999999,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1x\n",
 };
 
 template <std::size_t N>
