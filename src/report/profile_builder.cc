@@ -196,6 +196,7 @@ void ProfileBuilder::TrackExecution(const parser::TraceStatement* statement, Pro
   if (kind == ProfiledCall::kExec) {
     EndExecution(instance);
     instance.executing = true;
+    instance.started = executions_started_++;
     instance.current.instance = statement;
     instance.current.bind_set = bind_set;
     instance.current.number = statements_[instance.statement].calls[kExecCall].count;

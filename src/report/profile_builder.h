@@ -78,6 +78,7 @@ class ProfileBuilder {
   struct Instance {
     std::size_t statement = 0;
     bool executing = false;
+    std::uint64_t started = 0;  // when `current` began, counted in EXEC lines of the trace
     ExecutionRef current;
   };
   struct SessionTally {
@@ -97,6 +98,7 @@ class ProfileBuilder {
   void TrackExecution(const parser::TraceStatement* statement, ProfiledCall kind,
                       const parser::CallRecord& call, std::int32_t bind_set);
   void EndExecution(Instance& instance);
+  void EndRunningExecutions();
   void ClaimRecursiveWaits(std::int32_t depth, StatementTally* tally);
   void Stretch(std::int64_t begin, std::int64_t end);
   void EndStretch();
@@ -132,6 +134,7 @@ class ProfileBuilder {
   bool stretch_open_ = false;
   std::int64_t stretch_begin_ = 0, stretch_end_ = 0;
   std::int64_t largest_tim_ = 0;
+  std::uint64_t executions_started_ = 0;
 };
 
 }  // namespace report

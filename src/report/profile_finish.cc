@@ -122,8 +122,21 @@ void ProfileBuilder::AddPlans(const parser::CTraceParser& parser,
   }
 }
 
+// The executions still running when the trace ends end in the order they began: the first
+// execution of a statement is the first one of the trace, whatever the order of the instances
+// in memory.
+void ProfileBuilder::EndRunningExecutions() {
+  std::vector<Instance*> running;
+  for (auto& entry : instances_) {
+    if (entry.second.executing) running.push_back(&entry.second);
+  }
+  std::sort(running.begin(), running.end(),
+            [](const Instance* a, const Instance* b) { return a->started < b->started; });
+  for (Instance* instance : running) EndExecution(*instance);
+}
+
 Profile ProfileBuilder::Finish(const parser::CTraceParser& parser, HeaderFacts header) {
-  for (auto& entry : instances_) EndExecution(entry.second);
+  EndRunningExecutions();
   EndStretch();
   const bool centiseconds = Centiseconds(parser);
   const std::int64_t factor = centiseconds ? kMicrosPerCentisecond : 1;

@@ -40,39 +40,46 @@ TEST(ProfileReleases, SessionsTakingTurnsAreProfiledApart) {
   EXPECT_EQ(p.header.instance, "DBM10203");
 }
 
-// An execution is an EXEC and the FETCHes after it; the slowest one's binds are kept.
+// An execution is an EXEC and the FETCHes after it; the slowest one's binds are kept. The same
+// when each execution has a cursor of its own, whose execution then only ends with the trace:
+// the first execution is still the trace's first.
 TEST(ProfileReleases, ExecutionsSkewAndTheSlowestOnesBinds) {
-  std::string trace =
-      "Oracle Database 10g Enterprise Edition Release 10.2.0.3.0 - 64bit Production\n"
-      "PARSING IN CURSOR #1 len=32 dep=0 uid=0 oct=3 lid=0 tim=100 hv=1 ad='a'\n"
-      "select * from t where id = :b1\n"
-      "END OF STMT\n";
-  const int elapsed[] = {5, 1, 9, 3};
-  for (int i = 0; i < 4; ++i) {
-    const std::string n = std::to_string(i);
-    trace +=
-        "BINDS #1:\n Bind#0\n  oacdty=02 mxl=22(22) mxlc=00 mal=00 scl=00 pre=00\n"
-        "  value=" +
-        n + "\n";
-    trace +=
-        "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,tim=" + std::to_string(200 + 20 * i) +
-        "\n";
-    trace += "FETCH #1:c=0,e=" + std::to_string(elapsed[i] - 1) +
-             ",p=0,cr=0,cu=0,mis=0,r=1,dep=0,og=1,tim=" + std::to_string(210 + 20 * i) + "\n";
+  for (const bool cursor_each : {false, true}) {
+    SCOPED_TRACE(cursor_each ? "a cursor each" : "one cursor");
+    const std::string header =
+        "PARSING IN CURSOR #1 len=32 dep=0 uid=0 oct=3 lid=0 tim=100 hv=1 "
+        "ad='a'\nselect * from t where id = :b1\nEND OF STMT\n";
+    std::string trace =
+        "Oracle Database 10g Enterprise Edition Release 10.2.0.3.0 - 64bit Production\n" + header;
+    const int elapsed[] = {5, 1, 9, 3};
+    for (int i = 0; i < 4; ++i) {
+      const std::string n = std::to_string(i);
+      const std::string cursor = cursor_each ? std::to_string(i + 1) : "1";
+      if (cursor_each && i > 0) trace += "PARSING IN CURSOR #" + cursor + header.substr(20);
+      trace += "BINDS #" + cursor +
+               ":\n Bind#0\n  oacdty=02 mxl=22(22) mxlc=00 mal=00 scl=00 pre=00\n"
+               "  value=" +
+               n + "\n";
+      trace += "EXEC #" + cursor +
+               ":c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,tim=" + std::to_string(200 + 20 * i) +
+               "\n";
+      trace += "FETCH #" + cursor + ":c=0,e=" + std::to_string(elapsed[i] - 1) +
+               ",p=0,cr=0,cu=0,mis=0,r=1,dep=0,og=1,tim=" + std::to_string(210 + 20 * i) + "\n";
+    }
+    const report::Profile p = ProfileOf(trace);
+    ASSERT_EQ(p.statements.size(), 1u);
+    const report::StatementProfile& s = p.statements[0];
+    EXPECT_EQ(s.elapsed_per_execution.min, 1);
+    EXPECT_EQ(s.elapsed_per_execution.median, 3);  // the lower middle of 1 3 5 9
+    EXPECT_EQ(s.elapsed_per_execution.max, 9);
+    EXPECT_EQ(s.first_execution.number, 1u);
+    ASSERT_EQ(s.first_execution.binds.size(), 1u);
+    EXPECT_EQ(s.first_execution.binds[0].value, "0");
+    EXPECT_EQ(s.slowest_execution.number, 3u);
+    EXPECT_EQ(s.slowest_execution.elapsed, 9);
+    ASSERT_EQ(s.slowest_execution.binds.size(), 1u);
+    EXPECT_EQ(s.slowest_execution.binds[0].value, "2");
   }
-  const report::Profile p = ProfileOf(trace);
-  ASSERT_EQ(p.statements.size(), 1u);
-  const report::StatementProfile& s = p.statements[0];
-  EXPECT_EQ(s.elapsed_per_execution.min, 1);
-  EXPECT_EQ(s.elapsed_per_execution.median, 3);  // the lower middle of 1 3 5 9
-  EXPECT_EQ(s.elapsed_per_execution.max, 9);
-  EXPECT_EQ(s.first_execution.number, 1u);
-  ASSERT_EQ(s.first_execution.binds.size(), 1u);
-  EXPECT_EQ(s.first_execution.binds[0].value, "0");
-  EXPECT_EQ(s.slowest_execution.number, 3u);
-  EXPECT_EQ(s.slowest_execution.elapsed, 9);
-  ASSERT_EQ(s.slowest_execution.binds.size(), 1u);
-  EXPECT_EQ(s.slowest_execution.binds[0].value, "2");
 }
 
 // Figures at the ends of the 64-bit range, missing ones and absurd depths: the profile neither
