@@ -3,14 +3,24 @@
 // that memory stays flat whatever the trace's size. The document's own figures (the session
 // timestamp, the first cursor time) are known before the first statement is handed over.
 //
-// The sink is opened by the caller's `open` when the first statement is ready. When it cannot
-// be opened, nothing is taken: the parse keeps every statement, Finish() answers false, and the
-// caller writes the document its usual way after the parse, meeting the same failure in the
-// same order (after any failure of the parse itself). Not for sorted or merged documents.
+// The statements are written by a thread of the document's own while the parser reads on; at
+// most a few hundred wait for it. They are written and destroyed in the order they closed.
+//
+// The sink is opened by the caller's `open` (on the parser's thread) when the first statement is
+// ready. When it cannot be opened, nothing is taken: the parse keeps every statement, Finish()
+// answers false, and the caller writes the document its usual way after the parse, meeting the
+// same failure in the same order (after any failure of the parse itself). Not for sorted or
+// merged documents.
 #ifndef PELICOR_PARSER_STREAMED_CALL_DOCUMENT_H_
 #define PELICOR_PARSER_STREAMED_CALL_DOCUMENT_H_
 
+#include <condition_variable>
+#include <deque>
+#include <exception>
 #include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
 
 #include "parser/document_context.h"
 #include "parser/output_sink.h"
@@ -24,19 +34,22 @@ class StreamedCallDocument {
 
   // Hands `parser`'s closed statements to `sink` from now on; both must outlive this object.
   StreamedCallDocument(CTraceParser& parser, OutputSink& sink, Open open);
-  // The parser keeps its statements again.
+  // The parser keeps its statements again; statements still waiting are dropped.
   ~StreamedCallDocument();
   StreamedCallDocument(const StreamedCallDocument&) = delete;
   StreamedCallDocument& operator=(const StreamedCallDocument&) = delete;
 
-  // After a parse that succeeded: writes the statements the parser kept and the end of the
-  // document into the sink, which the caller then closes. False when the sink could not be
-  // opened (nothing was written; the parser still holds every statement).
+  // After a parse that succeeded: waits for the statements handed over, then writes the ones the
+  // parser kept and the end of the document into the sink, which the caller then closes. False
+  // when the sink could not be opened (nothing was written; the parser still holds every
+  // statement). Rethrows what the writing thread met (running out of memory).
   bool Finish();
 
  private:
   bool Start();
-  bool Take(const TraceStatement& statement);
+  bool Take(std::unique_ptr<TraceStatement>& statement);
+  void Write();
+  void StopWriting();
 
   CTraceParser& parser_;
   OutputSink& sink_;
@@ -44,6 +57,15 @@ class StreamedCallDocument {
   DocumentContext context_;
   bool started_ = false;
   bool declined_ = false;
+
+  std::mutex mutex_;
+  std::condition_variable waiting_;  // a statement waits, or the writing is to stop
+  std::condition_variable room_;     // a statement was written
+  std::deque<std::unique_ptr<TraceStatement>> queue_;
+  bool busy_ = false;  // the thread holds a statement it took from the queue
+  bool stop_ = false;
+  std::exception_ptr failure_;
+  std::thread writer_;
 };
 
 }  // namespace parser

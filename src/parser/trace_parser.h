@@ -88,14 +88,16 @@ class CTraceParser {
 
   // Takes each closed statement that no later line can reach, in closing order, during a
   // whole-input parse (Parse, ParseFrom, ParseStream...), once the session timestamp and the
-  // first cursor time are known; a statement the handler takes (it answers true) is destroyed
-  // when the call returns. A handler that answers false keeps that statement, and every later
+  // first cursor time are known; a statement the handler takes (it answers true) leaves the
+  // closed list, and is destroyed when the call returns unless the handler moved it out of the
+  // pointer it was given (it may then outlive the call, but not the parser: its wait names view
+  // the parser's name pool). A handler that answers false keeps that statement, and every later
   // one, in the closed list for the rest of the parse, as if it had never been set. Those still
   // closed at the end of the parse stay in the closed list. Not while merging identical SQL (a
   // closed statement may be continued) nor in batches. A closed statement stays reachable while
   // it is the cached statement of its cursor. For a call document written as the trace is
   // read, whose memory then stays flat whatever the trace's size. Null: keep all (default).
-  using ClosedStatementHandler = std::function<bool(TraceStatement& statement)>;
+  using ClosedStatementHandler = std::function<bool(std::unique_ptr<TraceStatement>& statement)>;
   void SetClosedStatementHandler(ClosedStatementHandler handler) {
     closed_handler_ = std::move(handler);
   }

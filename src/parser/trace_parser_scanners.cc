@@ -33,7 +33,7 @@ void CTraceParser::HandOverClosed() {
   }
   StatementList& closed = table_.closed();
   while (!closed.empty() && !table_.IsCached(closed.front().get())) {
-    if (!closed_handler_(*closed.front())) {
+    if (!closed_handler_(closed.front())) {
       closed_handler_ = nullptr;  // declined: everything stays for the writers after the parse
       return;
     }

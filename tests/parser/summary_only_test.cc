@@ -175,9 +175,9 @@ std::string StreamedCallDocument(const std::string& path, std::uint8_t flags,
     }
     parser::WriteCallXmlStatement(out, statement, context);
   };
-  trace.SetClosedStatementHandler([&](parser::TraceStatement& statement) {
+  trace.SetClosedStatementHandler([&](std::unique_ptr<parser::TraceStatement>& statement) {
     ++*handed_over;
-    write(statement);
+    write(*statement);
     return true;
   });
   trace.ParseFrom(path, 0, flags);
