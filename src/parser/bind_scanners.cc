@@ -6,6 +6,7 @@
 #include "parser/field_scanner.h"
 #include "parser/line_text.h"
 #include "parser/record_scanners.h"
+#include "parser/strict_fields.h"
 
 namespace parser {
 
@@ -13,7 +14,41 @@ void ScanBindsLine(std::string_view line, CursorNo* cursor) {
   FieldScanner(line).Literal("BINDS #").Cursor(cursor).Literal(":");
 }
 
+namespace {
+
+// The line as the server writes it (see strict_fields.h); false, and *record untouched, for any
+// other text.
+bool ScanStrictBindDefinitionLine(std::string_view line, BindRecord* record) {
+  StrictFields scan(line);
+  BindRecord bind;
+  if (!(scan.Literal(" bind ") && scan.Int32(&bind.bind) && scan.Literal(": dty=") &&
+        scan.Int32(&bind.dty) && scan.Literal(" mxl=") && scan.Int32(&bind.mxl) &&
+        scan.Literal("(") && scan.Int32(&bind.pl) && scan.Literal(") mal=") &&
+        scan.Int32(&bind.mal) && scan.Literal(" scl=") && scan.Int32(&bind.scl) &&
+        scan.Literal(" pre=") && scan.Int32(&bind.pre) && scan.Literal(" oacflg=") &&
+        scan.Int32(&bind.oacflg) && scan.Literal(" oacfl2=") && scan.Int32(&bind.oacfl2) &&
+        scan.Literal(" size=") && scan.Int32(&bind.size) && scan.Literal(" offset=") &&
+        scan.Int32(&bind.offset))) {
+    return false;
+  }
+  record->bind = bind.bind;
+  record->dty = bind.dty;
+  record->mxl = bind.mxl;
+  record->pl = bind.pl;
+  record->mal = bind.mal;
+  record->scl = bind.scl;
+  record->pre = bind.pre;
+  record->oacflg = bind.oacflg;
+  record->oacfl2 = bind.oacfl2;
+  record->size = bind.size;
+  record->offset = bind.offset;
+  return true;
+}
+
+}  // namespace
+
 void ScanBindDefinitionLine(std::string_view line, BindRecord* record) {
+  if (ScanStrictBindDefinitionLine(line, record)) return;
   FieldScanner(line)
       .Literal(" bind ")
       .Int32(&record->bind)
