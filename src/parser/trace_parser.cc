@@ -129,11 +129,15 @@ unsigned CTraceParser::ReadAhead::DefaultWorkers() {
   return processors < 2 ? 0 : std::min(processors, 4u);
 }
 
-void CTraceParser::OpenFileReader(const std::string& file_name, std::uint64_t offset) {
+void CTraceParser::CloseFileReader() {
   file_.reset();
   run_ = PieceRun();
   run_next_ = 0;
   piece_ = nullptr;
+}
+
+void CTraceParser::OpenFileReader(const std::string& file_name, std::uint64_t offset) {
+  CloseFileReader();
   std::unique_ptr<TraceFileReader> reader = TraceFileReader::Open(file_name);
   if (!reader) Raise("fopen", "Trace parser failed to open parse file!");
   if (!reader->Seek(offset)) Raise("fopen", "Trace parser failed to move file cursor to offset!");
@@ -222,10 +226,7 @@ bool CTraceParser::CloseAfterEnd(std::int64_t n, std::uint16_t limit) {
 }
 
 void CTraceParser::EndOfInput() {
-  file_.reset();
-  run_ = PieceRun();
-  run_next_ = 0;
-  piece_ = nullptr;
+  CloseFileReader();
   session_timestamp_taken_ = false;
 }
 

@@ -278,8 +278,10 @@ class CTraceParser {
   void ReadNewerBinds(TraceStatement* statement, CursorNo cursor, std::int32_t bind_set,
                       std::string_view line);
   void SetFlags(std::uint8_t flags);
-  // Opens the whole-file reader of a parse from `offset` (see ReadAhead).
+  // Opens the whole-file reader of a parse from `offset` (see ReadAhead); closes it, with the
+  // pieces in hand.
   void OpenFileReader(const std::string& file_name, std::uint64_t offset);
+  void CloseFileReader();
   // What the file reader scanned ahead for `line`, when it is the piece in hand; else null.
   const LineScan* ScannedAhead(std::string_view line, LineKind kind) const;
   // Steps over the next `count` pieces of the run in hand, which the reader has found to hold
