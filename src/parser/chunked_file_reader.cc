@@ -23,6 +23,7 @@ bool SeekTo(std::ifstream& file, std::uint64_t position) {
 }
 
 }  // namespace
+
 ChunkedFileReader::ChunkedFileReader(std::string path, std::uint64_t offset, Options options)
     : path_(std::move(path)),
       options_(options),
