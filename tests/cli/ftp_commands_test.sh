@@ -28,24 +28,18 @@ check "find two without the padded pid, exit 1" \
 
 mkdir "$work/out"
 "$pelicor" ftp get repeated_9i.trc $(at traces) -o "$work/out"
-cmp -s "$served/traces/repeated_9i.trc" "$work/out/repeated_9i.trc"
-check "get copies the bytes" "0" "$?"
+same "get copies the bytes" "$served/traces/repeated_9i.trc" "$work/out/repeated_9i.trc"
 check "get a missing file" "pelicor: FTP failed to open data stream connection! 1" \
   "$("$pelicor" ftp get missing.trc $(at traces) -o "$work/out" 2>&1) $?"
 check "and leaves nothing" "repeated_9i.trc" "$(ls "$work/out")"
 
-# Streamed documents equal those of the local file, for each kind of document.
-trace=$served/traces/repeated_9i.trc
-for options in "" "--aggregate --sort exe,fch --key cpu" "--skip-waits --top-level"; do
-  "$pelicor" ftp xml repeated_9i.trc $options $(at traces) >"$work/remote.xml"
-  "$pelicor" xml "$trace" $options >"$work/local.xml"
-  cmp -s "$work/local.xml" "$work/remote.xml"
-  check "xml $options as from the local file" "0" "$?"
+# Streamed documents and reports equal those of the local file.
+for job in "xml" "xml --aggregate --sort exe,fch --key cpu" "xml --skip-waits --top-level" \
+  "report --sort prs"; do
+  "$pelicor" ftp $job repeated_9i.trc $(at traces) >"$work/remote"
+  "$pelicor" $job "$served/traces/repeated_9i.trc" >"$work/local"
+  same "$job as from the local file" "$work/local" "$work/remote"
 done
-"$pelicor" ftp report repeated_9i.trc --sort prs $(at traces) >"$work/remote.txt"
-"$pelicor" report "$trace" --sort prs >"$work/local.txt"
-cmp -s "$work/local.txt" "$work/remote.txt"
-check "report as from the local file" "0" "$?"
 
 # The password: a file, the environment, the command line; none, or a wrong one.
 login="--host $host --user $(cat "$state/user") --udump lookup"
@@ -109,12 +103,10 @@ ca="--tls --ca-file $state/tls.pem"
 check "list over TLS" "sample_9i.trc" "$("$pelicor" ftp list $(tls localhost traces) $ca -p 's*' 2>&1)"
 mkdir "$work/tls"
 "$pelicor" ftp get repeated_9i.trc $(tls localhost traces) $ca --active -o "$work/tls"
-cmp -s "$served/traces/repeated_9i.trc" "$work/tls/repeated_9i.trc"
-check "get over TLS, active" "0" "$?"
+same "get over TLS, active" "$served/traces/repeated_9i.trc" "$work/tls/repeated_9i.trc"
 "$pelicor" ftp xml repeated_9i.trc --aggregate $(tls localhost traces) $ca >"$work/tls.xml"
 "$pelicor" xml "$served/traces/repeated_9i.trc" --aggregate >"$work/local.xml"
-cmp -s "$work/local.xml" "$work/tls.xml"
-check "xml over TLS as from the local file" "0" "$?"
+same "xml over TLS as from the local file" "$work/local.xml" "$work/tls.xml"
 out=$("$pelicor" ftp find 4711 $(tls 127.0.0.1 lookup) --tls --insecure 2>"$work/err")
 check "--insecure warns and goes on" \
   "4711_ora.trc 4711|pelicor: warning: --insecure: the certificate of 127.0.0.1:$tls_port is not checked; whoever can pose as that server gets the password" \
@@ -135,10 +127,6 @@ check "--ca-file needs --tls" "--ca-file requires --tls" \
 
 # Downloads take their name only when complete: a failed one leaves nothing and removes
 # nothing that was there, a complete one replaces a link rather than writing through it.
-fault() {  # fault SCENARIO: the connection options for the fault server's scenario
-  echo --host "127.0.0.1:$(awk -v s="$1" '$1 == s {print $2}' "$state/fault.ports")" \
-    --user u --udump udump --password p
-}
 mkdir "$work/keep" "$work/keep/empty.trc"
 printf 'older\n' >"$work/keep/older.trc"
 "$pelicor" ftp get empty.trc $(fault data_drop) -o "$work/keep" >/dev/null 2>&1

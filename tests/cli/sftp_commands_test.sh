@@ -30,8 +30,7 @@ check "find two without the padded pid, exit 1" \
 
 mkdir "$work/out"
 "$pelicor" sftp get repeated_9i.trc $(at traces) -o "$work/out"
-cmp -s "$served/traces/repeated_9i.trc" "$work/out/repeated_9i.trc"
-check "get copies the bytes" "0" "$?"
+same "get copies the bytes" "$served/traces/repeated_9i.trc" "$work/out/repeated_9i.trc"
 check "get a missing file, exit 1" \
   "pelicor: SFTP failed to open missing.trc on 127.0.0.1:$port: no such file or directory 1" \
   "$("$pelicor" sftp get missing.trc $(at traces) -o "$work/out" 2>&1) $?"
@@ -40,18 +39,12 @@ check "get a name with a path" \
   "$("$pelicor" sftp get ../lookup/orcl_ora_12.trc $(at traces) -o "$work/out" 2>&1)"
 check "and leave nothing" "repeated_9i.trc" "$(ls -A "$work/out")"
 
-# Streamed documents equal those of the local file.
-trace=$served/traces/repeated_9i.trc
-for options in "" "--aggregate --sort exe,fch --key cpu"; do
-  "$pelicor" sftp xml repeated_9i.trc $options $(at traces) >"$work/remote.xml"
-  "$pelicor" xml "$trace" $options >"$work/local.xml"
-  cmp -s "$work/local.xml" "$work/remote.xml"
-  check "xml $options as from the local file" "0" "$?"
+# Streamed documents and reports equal those of the local file.
+for job in "xml" "xml --aggregate --sort exe,fch --key cpu" "report --sort prs"; do
+  "$pelicor" sftp $job repeated_9i.trc $(at traces) >"$work/remote"
+  "$pelicor" $job "$served/traces/repeated_9i.trc" >"$work/local"
+  same "$job as from the local file" "$work/local" "$work/remote"
 done
-"$pelicor" sftp report repeated_9i.trc --sort prs $(at traces) >"$work/remote.txt"
-"$pelicor" report "$trace" --sort prs >"$work/local.txt"
-cmp -s "$work/local.txt" "$work/remote.txt"
-check "report as from the local file" "0" "$?"
 
 # Logging on: a password from a file or the environment, the SSH agent; a wrong password.
 cat "$state/password" >"$work/password"

@@ -85,23 +85,18 @@ std::string WriteAndRead(const StatementList& closed, const DocumentContext& con
   return writer_test::ReadXml(dir.path() / "ora_1234.xml");
 }
 
-TEST(CallXmlWriter, WritesEveryCallOfEveryStatement) {
-  ScratchDir dir;
-  const std::string document = WriteAndRead(writer_test::SampleStatements(), Context(dir), dir);
-  EXPECT_EQ(document, Head() + kFirstStatement + kFirstBinds + kFirstCallsAndStats + kFirstWaits +
-                          "</STATEMENT>\n" + kReopened + kParseError + kWideCursor +
-                          "</STATEMENTS>\n");
-}
-
-TEST(CallXmlWriter, FlagsLeaveOutBindsWaitsAndInnerStatements) {
+TEST(CallXmlWriter, WritesEveryCallOfEveryStatementUnlessFlagsLeaveThemOut) {
   ScratchDir dir;
   DocumentContext context = Context(dir);
+  EXPECT_EQ(WriteAndRead(writer_test::SampleStatements(), context, dir),
+            Head() + kFirstStatement + kFirstBinds + kFirstCallsAndStats + kFirstWaits +
+                "</STATEMENT>\n" + kReopened + kParseError + kWideCursor + "</STATEMENTS>\n");
   context.skip_binds = true;
   context.skip_waits = true;
   context.top_level_only = true;
-  const std::string document = WriteAndRead(writer_test::SampleStatements(), context, dir);
-  EXPECT_EQ(document, Head() + kFirstStatement + kFirstCallsAndStats + "</STATEMENT>\n" +
-                          kWideCursor + "</STATEMENTS>\n");
+  EXPECT_EQ(WriteAndRead(writer_test::SampleStatements(), context, dir),
+            Head() + kFirstStatement + kFirstCallsAndStats + "</STATEMENT>\n" + kWideCursor +
+                "</STATEMENTS>\n");
 }
 
 TEST(CallXmlWriter, EmptyListAndMissingCursorNumbers) {

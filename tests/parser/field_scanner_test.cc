@@ -189,16 +189,6 @@ TEST(FieldScannerVsSscanf, StatLines) {
   }
 }
 
-const char* const kWaitLines[] = {
-    "WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1\n",
-    "WAIT #1: nam='SQL*Net message to client' ela=4 p1=1650815232 p2=1 p3=0\n",
-    "WAIT #4: nam='db file scattered read' ela= 28810 file#=4 block#=548 blocks=5 obj#=52566 "
-    "tim=881500264\n",
-    "WAIT #1: nam='x' ela= -5 p1=-1 p2=99999999999999999999 p3=3\n",
-    "WAIT #1: nam='x' ela= 5 p1= 1 p2 =2 p3=3\n",
-    "WAIT #1: nam='x' ela\n",
-};
-
 // Lines of 11.1.0.7 and later put a plan hash in front of tim; sscanf's format has none.
 TEST(CallLineScanner, StepsOverThePlanHash) {
   const struct {
@@ -263,17 +253,46 @@ TEST(WaitLineScanner, WholeLinesReadAsTheGeneralScannersReadThem) {
   }
 }
 
+// The name is the text between the quotes behind "nam=", up to the first "ela" of the line.
 TEST(FieldScannerVsSscanf, WaitLines) {
-  for (const char* line : kWaitLines) {
+  const struct {
+    const char* line;
+    const char* name;
+  } cases[] = {
+      {"WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1\n",
+       "db file sequential read"},
+      {"WAIT #1: nam='SQL*Net message to client' ela=4 p1=1650815232 p2=1 p3=0\n",
+       "SQL*Net message to client"},
+      {"WAIT #4: nam='db file scattered read' ela= 28810 file#=4 block#=548 blocks=5 obj#=52566 "
+       "tim=881500264\n",
+       "db file scattered read"},
+      {"WAIT #1: nam='x' ela= -5 p1=-1 p2=99999999999999999999 p3=3\n", "x"},
+      {"WAIT #1: nam='x' ela= 5 p1= 1 p2 =2 p3=3\n", "x"},
+      {"WAIT #1: nam='x' ela\n", "x"},
+      {"WAIT #1: nam='enq: TX - row lock contention' ela= 5 p1=1 p2=2 p3=3\n",
+       "enq: TX - row lock contention"},
+      {"WAIT #1: nam='' ela= 7 p1=0 p2=0 p3=0\n", ""},
+      {"WAIT #1: nam=ela= 7\n", ""},
+      {"WAIT #1: nam='no timing here'\n", ""},
+      {"WAIT #1: nam='gc delay' ela= 3 p1=0\n", "gc"},
+      {"WAIT #1: ela= 9 p1=1\n", ""},
+      {"WAIT #1: nam=\n", ""},
+  };
+  for (const auto& test : cases) {
     parser::WaitRecord ours;
-    parser::ScanWaitLine(line, &ours);
+    parser::ScanWaitLine(test.line, &ours);
     int cursor = 0;
     long long ela = 0, p1 = 0, p2 = 0, p3 = 0;
-    std::sscanf(line, "WAIT #%d:", &cursor);
-    std::sscanf(std::strstr(line, "ela"), "ela= %lld p1=%lld p2=%lld p3=%lld", &ela, &p1, &p2, &p3);
-    EXPECT_EQ(std::make_tuple(Cursor(ours.cursor, cursor), ours.ela, ours.p1, ours.p2, ours.p3),
-              std::make_tuple(cursor, ela, p1, p2, p3))
-        << line;
+    std::sscanf(test.line, "WAIT #%d:", &cursor);
+    // The figures behind the first "ela" after "nam=": a line without a name has none.
+    const char* name = std::strstr(test.line, "nam=");
+    if (const char* from = name != nullptr ? std::strstr(name, "ela") : nullptr) {
+      std::sscanf(from, "ela= %lld p1=%lld p2=%lld p3=%lld", &ela, &p1, &p2, &p3);
+    }
+    EXPECT_EQ(std::make_tuple(Cursor(ours.cursor, cursor), std::string(ours.nam), ours.ela, ours.p1,
+                              ours.p2, ours.p3),
+              std::make_tuple(cursor, std::string(test.name), ela, p1, p2, p3))
+        << test.line;
   }
 }
 

@@ -1,4 +1,4 @@
-// Line kinds, the size-limit line and the free-text fields (WAIT name, bind value).
+// Line kinds, the size-limit line and the bind value.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -53,32 +53,6 @@ TEST(LineText, SizeLimitLines) {
   EXPECT_FALSE(parser::IsSizeLimitLine("** FILE *\n"));
   EXPECT_FALSE(parser::IsSizeLimitLine("*** TRACE DUMP CONTINUED FROM FILE  ***\n"));
   EXPECT_FALSE(parser::IsSizeLimitLine("*** TRACE CONTINUED FROM FILE /u01/a.trc ***\n"));
-}
-
-TEST(WaitScanner, NameKeepsBlanksAndOddLinesGiveEmptyNames) {
-  struct Case {
-    const char* line;
-    const char* name;
-    std::int64_t ela;
-  };
-  const Case cases[] = {
-      {"WAIT #1: nam='db file sequential read' ela= 12 p1=4 p2=1234 p3=1\n",
-       "db file sequential read", 12},
-      {"WAIT #1: nam='enq: TX - row lock contention' ela= 5 p1=1 p2=2 p3=3\n",
-       "enq: TX - row lock contention", 5},
-      {"WAIT #1: nam='' ela= 7 p1=0 p2=0 p3=0\n", "", 7},
-      {"WAIT #1: nam=ela= 7\n", "", 7},
-      {"WAIT #1: nam='no timing here'\n", "", 0},
-      {"WAIT #1: nam='gc delay' ela= 3 p1=0\n", "gc", 0},  // ends before the first "ela"
-      {"WAIT #1: ela= 9 p1=1\n", "", 0},
-      {"WAIT #1: nam=\n", "", 0},
-  };
-  for (const Case& test : cases) {
-    parser::WaitRecord wait;
-    parser::ScanWaitLine(test.line, &wait);
-    EXPECT_EQ(wait.nam, test.name) << test.line;
-    EXPECT_EQ(wait.ela, test.ela) << test.line;
-  }
 }
 
 TEST(BindScanner, ValueBetweenQuotesOrFirstWord) {

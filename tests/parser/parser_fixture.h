@@ -48,12 +48,6 @@ inline std::vector<std::string> SqlTexts(const parser::StatementList& list) {
   return texts;
 }
 
-inline std::vector<std::int64_t> Sequences(const parser::StatementList& list) {
-  std::vector<std::int64_t> sequences;
-  for (const auto& statement : list) sequences.push_back(statement->sequence);
-  return sequences;
-}
-
 // A parser that has read `text` from a file.
 inline std::unique_ptr<parser::CTraceParser> ParseText(const std::string& text) {
   const TempFile file(text);

@@ -42,7 +42,6 @@ Documents Write(const std::string& path, bool summary_only, const parser::SortOp
   trace.Parse(path, 0);
   trace.SortClosedStatements();
   const parser::DocumentContext context = trace.MakeDocumentContext();
-  Documents documents;
   std::ostringstream tkprof;
   std::ostringstream sorted;
   std::ostringstream report;

@@ -48,10 +48,6 @@ std::vector<Piece> WithReader(const std::string& text, std::size_t block_size) {
   return WithReader(reader);
 }
 
-std::string Repeat(char c, std::size_t n) {
-  return std::string(n, c);
-}
-
 std::string Text(const parser::LineScan& scan) {
   std::ostringstream text;
   text << static_cast<int>(scan.kind) << scan.newer_form << ' ';
@@ -92,17 +88,20 @@ std::vector<Piece> Runs(parser::PieceReader& reader, std::size_t* scanned_ahead 
 TEST(TraceFileReader, PiecesMatchFgetsWhateverTheBlockSize) {
   std::string generated;
   for (std::size_t n = 0; generated.size() < 300000; n = (n * 7 + 13) % 2600) {
-    generated += Repeat(static_cast<char>('a' + n % 26), n) + "\n";
+    generated += std::string(n, static_cast<char>('a' + n % 26)) + "\n";
   }
   const std::string texts[] = {
       "",
       "a\nb\n\nc",
-      Repeat('x', 1022) + "\n",
-      Repeat('x', 1023) + "\n",
-      Repeat('x', 1023),
-      Repeat('x', 1024) + "\n" + Repeat('y', 3000),
-      Repeat('z', 2046) + "\nend\n",
+      std::string(1022, 'x') + "\n",
+      std::string(1023, 'x') + "\n",
+      std::string(1023, 'x'),
+      std::string(1024, 'x') + "\n" + std::string(3000, 'y'),
+      std::string(2046, 'z') + "\nend\n",
       std::string("nul\0inside\n\0\0a\nb\n", 17),  // a piece ends at its first NUL
+      // Traces are read in binary mode on every platform: on Windows a Ctrl-Z (text mode's end
+      // of file) is an ordinary byte and the lines after it are read.
+      "WAIT #1: nam='db file sequential read' ela= 13\n\x1a\nEXEC #1:c=0\n",
       generated,
   };
   for (const std::string& text : texts) {
@@ -122,24 +121,11 @@ TEST(TraceFileReader, DropsACarriageReturnBeforeTheNewlineOnly) {
   const std::vector<Piece> expected = {{"a\n", false}, {"b\rc\n", false}, {"\r", true}};
   EXPECT_EQ(WithReader("a\r\nb\rc\r\n\r", 1 << 20), expected);
   // The CR does not count towards the 1023 bytes of a piece.
-  const std::vector<Piece> long_line = {{Repeat('x', 1022) + "\n", false}};
-  EXPECT_EQ(WithReader(Repeat('x', 1022) + "\r\n", 1 << 20), long_line);
-  EXPECT_EQ(WithReader(Repeat('x', 1022) + "\r\n", 1), long_line);
-  const std::vector<Piece> split = {{Repeat('x', 1023), false}, {"\n", false}};
-  EXPECT_EQ(WithReader(Repeat('x', 1023) + "\r\n", 1 << 20), split);
-}
-
-// Traces are read in binary mode on every platform: on Windows a Ctrl-Z (text mode's end of
-// file) is an ordinary byte and the lines after it are read, and the CR of a CR LF line is
-// dropped by the reader, not by the C run-time.
-TEST(TraceFileReader, FileKeepsTheLinesAfterACtrlZ) {
-  const TempFile file("WAIT #1: nam='db file sequential read' ela= 13\r\n\x1a\r\nEXEC #1:c=0\r\n");
-  auto reader = parser::TraceFileReader::Open(file.path());
-  ASSERT_NE(reader, nullptr);
-  const std::vector<Piece> expected = {{"WAIT #1: nam='db file sequential read' ela= 13\n", false},
-                                       {"\x1a\n", false},
-                                       {"EXEC #1:c=0\n", false}};
-  EXPECT_EQ(WithReader(*reader), expected);
+  const std::vector<Piece> long_line = {{std::string(1022, 'x') + "\n", false}};
+  EXPECT_EQ(WithReader(std::string(1022, 'x') + "\r\n", 1 << 20), long_line);
+  EXPECT_EQ(WithReader(std::string(1022, 'x') + "\r\n", 1), long_line);
+  const std::vector<Piece> split = {{std::string(1023, 'x'), false}, {"\n", false}};
+  EXPECT_EQ(WithReader(std::string(1023, 'x') + "\r\n", 1 << 20), split);
 }
 
 TEST(TraceFileReader, TellsWhichPiecesMayHoldThreeAsterisks) {
@@ -165,13 +151,13 @@ TEST(ChunkedFileReader, GivesThePiecesOfTheWholeFileReaderWhateverItsChunks) {
              ",p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1083929217634352\n";
     lines += "WAIT #1: nam='SQL*Net message from client' ela= " + std::to_string(n) +
              " driver id=1413697536 #bytes=1 p3=0 obj#=-1 tim=5793511831927\r\n";
-    lines += Repeat(static_cast<char>('a' + n % 26), n) + "***\n";
+    lines += std::string(n, static_cast<char>('a' + n % 26)) + "***\n";
   }
   const std::string texts[] = {
       "",
       "FETCH #3:c=0,e=142,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1\nno end",
-      Repeat('x', 1023) + "\r\n" + Repeat('y', 1022) + "\r\n\r\n",
-      Repeat('z', 5000) + "\nend\n",
+      std::string(1023, 'x') + "\r\n" + std::string(1022, 'y') + "\r\n\r\n",
+      std::string(5000, 'z') + "\nend\n",
       std::string("WAIT #1: nam='x' ela= 1\0 p1=2\nPARSE #1:c=\0\n", 37),
       lines,
   };

@@ -94,6 +94,11 @@ TEST(TraceForm, BannerComesFromTheHeadOfATraceParsedFromAnOffset) {
     streamed.ParseStream(source, "orcl_ora_4242.trc", test.head.size());
     EXPECT_EQ(source.head_name, "orcl_ora_4242.trc");
     EXPECT_EQ(source.head_max, test.head.size());
+    EXPECT_EQ(source.opened_name, "orcl_ora_4242.trc");
+    EXPECT_EQ(source.opened_offset, test.head.size());
+    EXPECT_EQ(source.closes, 1);
+    ASSERT_EQ(streamed.ClosedStatements().size(), 1u);
+    EXPECT_EQ(streamed.ClosedStatements().front()->exec_calls.size(), 1u);
     EXPECT_EQ(streamed.TimeDivisor(), test.divisor);
     EXPECT_EQ(streamed.MajorVersionForWriters(), test.writers_major);
   }
@@ -105,9 +110,10 @@ TEST(TraceForm, BannerComesFromTheHeadOfATraceParsedFromAnOffset) {
   EXPECT_EQ(trace.TimeDivisor(), 1000000);
 }
 
-// After an 8i/9i banner no line makes the trace a 10g+ one: the divisor stays, and a call keeps
-// the figures of the recursive calls beneath it (10g+ traces count each call without them).
-TEST(TraceForm, OlderBannerSettlesTheFormForTheRestOfTheFile) {
+// The banner or the line forms tell the release and the clock. After an 8i/9i banner no line
+// makes the trace a 10g+ one: the divisor stays, and a call keeps the figures of the recursive
+// calls beneath it (10g+ traces count each call without them).
+TEST(TraceForm, BannerOrLineFormsTellTheReleaseAndOlderBannersSettleIt) {
   const std::string statements =
       CursorBlock(1, "select 1 from dual") +
       "PARSING IN CURSOR #2 len=18 dep=1 uid=0 oct=3 lid=0 tim=1 hv=2 ad='6c'\n"
@@ -126,13 +132,20 @@ TEST(TraceForm, OlderBannerSettlesTheFormForTheRestOfTheFile) {
       {k9iBanner, "Oracle Database 19c Enterprise Edition Release 19.0.0.0.0\n", false, 1000000, 9,
        3000},
       {"", "Version 10.2.0.1.0\n", true, 1000000, 10, 2000},  // no banner: the line is believed
+      {"", "EXEC #9:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=5793511830834\n", true,
+       1000000, parser::CTraceParser::kNewerFormsVersion, 2000},
       {k19cBanner, "", true, 1000000, 19, 2000},
+      {"Oracle Database 11g Enterprise Edition Release 11.1.0.6.0 - 64bit Production\n", "", true,
+       1000000, 11, 2000},
+      {"Oracle10g Release 10.1.0.2.0\n", "", false, 100, 10, 3000},
+      {"Oracle7 Server Release 7.3.4.0.0 - Production\n", "", false, 100, 7, 3000},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.banner + test.later);
     const auto trace = ParseText(test.banner + test.later + statements);
     EXPECT_EQ(trace->NewerForms(), test.newer);
     EXPECT_EQ(trace->TimeDivisor(), test.divisor);
+    EXPECT_EQ(trace->BannerMajorVersion(), test.major);
     EXPECT_EQ(trace->MajorVersionForWriters(), test.major);
     ASSERT_EQ(trace->ClosedStatements().size(), 2u);
     EXPECT_EQ(trace->ClosedStatements().front()->totals[parser::kExecTotals].cpu, test.exec_cpu);
@@ -196,23 +209,25 @@ TEST(TraceForm, CursorNumbersTakeASign) {
 }
 
 // A batch parse without a limit ends: at the end of the input every statement is closed and the
-// answer is that nothing remains; with a limit they come a portion at a time.
-TEST(TraceForm, BatchWithoutLimitClosesEverythingAtTheEnd) {
-  std::vector<std::string> lines;
-  for (int n = 0; n < 3; ++n) {
-    lines.push_back("PARSING IN CURSOR #" + std::to_string(n + 1) +
-                    " len=0 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='a'\n");
-  }
-  std::string text;
-  for (const std::string& line : lines) text += line;
+// answer is that nothing remains; with a limit they come a portion at a time, each batch going
+// on where the last one stopped, from a file and from a stream alike.
+TEST(TraceForm, BatchesComeAPortionAtATimeAndCloseEverythingAtTheEnd) {
+  const std::string text =
+      CursorBlock(1, "select a") + CursorBlock(2, "select b") + CursorBlock(3, "select c");
+  const std::vector<std::string> lines = Lines(text);
+  const auto texts = [](const parser::CTraceParser& trace) {
+    std::string joined;
+    for (const std::string& sql : SqlTexts(trace.ClosedStatements())) joined += sql;
+    return joined;
+  };
   const struct {
     std::uint16_t limit;
     std::vector<bool> answers;
-    std::vector<std::size_t> closed;  // after each call, the closed list being emptied between
+    std::vector<std::string> closed;  // after each call, the closed list being emptied between
   } cases[] = {
-      {0, {false, false}, {3, 0}},
-      {1, {true, true, false, false}, {1, 1, 1, 0}},
-      {2, {true, false}, {2, 1}},
+      {0, {false, false}, {"select a\nselect b\nselect c\n", ""}},
+      {1, {true, true, false, false}, {"select a\n", "select b\n", "select c\n", ""}},
+      {2, {true, false}, {"select a\nselect b\n", "select c\n"}},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.limit);
@@ -223,12 +238,14 @@ TEST(TraceForm, BatchWithoutLimitClosesEverythingAtTheEnd) {
     for (std::size_t call = 0; call < test.answers.size(); ++call) {
       EXPECT_EQ(from_file.ParseBatch(file.path(), test.limit, 0), test.answers[call]) << call;
       EXPECT_EQ(from_stream.ParseStreamBatch(source, "t.trc", test.limit, 0), test.answers[call]);
-      EXPECT_EQ(from_file.ClosedStatements().size(), test.closed[call]) << call;
-      EXPECT_EQ(from_stream.ClosedStatements().size(), test.closed[call]) << call;
+      EXPECT_EQ(texts(from_file), test.closed[call]) << call;
+      EXPECT_EQ(texts(from_stream), test.closed[call]) << call;
       from_file.ClearClosedStatements();
       from_stream.ClearClosedStatements();
     }
     EXPECT_TRUE(from_file.OpenStatements().empty());
+    EXPECT_EQ(source.opened_name, "");  // the caller opens and closes a batch stream
+    EXPECT_EQ(source.closes, 0);
   }
 }
 

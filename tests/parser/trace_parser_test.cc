@@ -18,32 +18,6 @@ using pelicor_test::Raised;
 
 using Texts = std::vector<std::string>;
 
-TEST(CTraceParser, BannerOrLineFormsTellTheReleaseAndTheTimeDivisor) {
-  const struct {
-    const char* first_line;
-    bool newer;
-    std::int64_t divisor;
-    int major;
-  } cases[] = {
-      {"Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n", false, 1000000, 9},
-      {"Oracle8i Enterprise Edition Release 8.1.7.0.0 - Production\n", false, 100, 8},
-      {"Oracle7 Server Release 7.3.4.0.0 - Production\n", false, 100, 7},
-      {"Oracle10g Release 10.1.0.2.0\n", false, 100, 10},
-      {"Oracle Database 11g Enterprise Edition Release 11.1.0.6.0 - 64bit Production\n", true,
-       1000000, 11},
-      {"Version 19.14.2.0.0\n", true, 1000000, 19},
-      {"\n", true, 1000000, parser::CTraceParser::kNewerFormsVersion},
-  };
-  for (const auto& test : cases) {
-    const auto trace =
-        ParseText(std::string(test.first_line) +
-                  "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=5793511830834\n");
-    EXPECT_EQ(trace->NewerForms(), test.newer) << test.first_line;
-    EXPECT_EQ(trace->TimeDivisor(), test.divisor) << test.first_line;
-    EXPECT_EQ(trace->BannerMajorVersion(), test.major) << test.first_line;
-  }
-}
-
 TEST(CTraceParser, CursorCacheStaysOnAClosedStatement) {
   parser::CTraceParser trace;
   trace.DispatchLine("PARSING IN CURSOR #1 len=0 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='a'\n");
@@ -62,32 +36,14 @@ TEST(CTraceParser, CursorCacheStaysOnAClosedStatement) {
   EXPECT_TRUE(trace.ClosedStatements().empty());
 }
 
-TEST(CTraceParser, MergeIdenticalSqlContinuesTheClosedStatement) {
-  const std::string text = CursorBlock(1, "select 1 from dual") +
-                           CursorBlock(1, "select 2 from dual") +
-                           CursorBlock(7, "select 1 from dual") +
-                           "EXEC #7:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=5\n";
-  const TempFile file(text);
-  parser::CTraceParser merged;
-  merged.SetMergeIdenticalSql(true);
-  merged.Parse(file.path(), 0);
-  EXPECT_EQ(Sequences(merged.ClosedStatements()), (std::vector<std::int64_t>{1, 0}));
-  const parser::TraceStatement& reopened = *merged.ClosedStatements().back();
-  EXPECT_EQ(reopened.cursor, 7u);
-  EXPECT_EQ(reopened.header.cursor, 1u);  // the header stays the first one
-  EXPECT_EQ(reopened.exec_calls.size(), 1u);
-
-  parser::CTraceParser plain;
-  plain.Parse(file.path(), 0);
-  EXPECT_EQ(Sequences(plain.ClosedStatements()), (std::vector<std::int64_t>{0, 1, 2}));
-}
-
-// A reopened statement answers to its new cursor only: a later header on that cursor closes
-// it, and lines of its old cursor no longer reach it.
-TEST(CTraceParser, ReopenedStatementMovesToItsNewCursor) {
+// With merging, a header whose SQL text a closed statement has continues that statement under
+// the new cursor (its header stays the first one); a later header on that cursor closes it, and
+// lines of its old cursor no longer reach it. Without merging, every header is a statement.
+TEST(CTraceParser, MergeIdenticalSqlReopensTheClosedStatementUnderItsNewCursor) {
+  const std::string exec = "EXEC #7:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=5\n";
   const std::string text =
       CursorBlock(1, "select 1 from dual") + CursorBlock(1, "select 2 from dual") +
-      CursorBlock(7, "select 1 from dual") + CursorBlock(3, "select 3 from dual") +
+      CursorBlock(7, "select 1 from dual") + exec + CursorBlock(3, "select 3 from dual") +
       "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=5\n" +
       CursorBlock(7, "select 4 from dual") +
       "EXEC #3:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=6\n";
@@ -102,7 +58,15 @@ TEST(CTraceParser, ReopenedStatementMovesToItsNewCursor) {
   for (const auto& statement : merged.ClosedStatements()) {
     execs.push_back(statement->exec_calls.size());
   }
-  EXPECT_EQ(execs, (std::vector<std::size_t>{0, 1, 1, 0}));
+  EXPECT_EQ(execs, (std::vector<std::size_t>{1, 1, 1, 0}));
+  const parser::TraceStatement& reopened = *merged.ClosedStatements().front();
+  EXPECT_EQ(reopened.sequence, 0);
+  EXPECT_EQ(reopened.cursor, 7u);
+  EXPECT_EQ(reopened.header.cursor, 1u);
+
+  parser::CTraceParser plain;
+  plain.Parse(file.path(), 0);
+  EXPECT_EQ(plain.ClosedStatements().size(), 5u);
 }
 
 // Shared-server traces and cursor leaks keep hundreds of thousands of cursors open at once;
@@ -221,28 +185,6 @@ TEST(CTraceParser, ParsesFromAByteOffset) {
   EXPECT_TRUE(past_end.ClosedStatements().empty());
 }
 
-TEST(CTraceParser, BatchesStopAtTheLimitAndContinueWhereTheyStopped) {
-  std::string text;
-  for (int n = 0; n < 5; ++n) text += CursorBlock(1, "select " + std::to_string(n) + " from dual");
-  text += "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=5\n";
-  const TempFile file(text);
-  parser::CTraceParser trace;
-  // The third header closes the second statement: the closed list reaches 2 there.
-  EXPECT_TRUE(trace.ParseBatch(file.path(), 2, 0));
-  EXPECT_EQ(trace.ClosedStatements().size(), 2u);
-  EXPECT_EQ(trace.OpenStatements().size(), 1u);
-  trace.ClearClosedStatements();
-  EXPECT_TRUE(trace.ParseBatch(file.path(), 2, 0));
-  EXPECT_EQ(SqlTexts(trace.ClosedStatements()),
-            (Texts{"select 2 from dual\n", "select 3 from dual\n"}));
-  trace.ClearClosedStatements();
-  // End of file: the limit counts the whole closed list, and the last statement is released.
-  EXPECT_FALSE(trace.ParseBatch(file.path(), 2, 0));
-  EXPECT_EQ(SqlTexts(trace.ClosedStatements()), (Texts{"select 4 from dual\n"}));
-  EXPECT_EQ(trace.ClosedStatements().front()->exec_calls.size(), 1u);
-  EXPECT_FALSE(trace.ParseBatch(file.path(), 2, 0));
-}
-
 TEST(CTraceParser, BatchFlagsSkipWaitsAndBinds) {
   const TempFile file(
       CursorBlock(1, "select 1 from dual") +
@@ -258,31 +200,6 @@ TEST(CTraceParser, BatchFlagsSkipWaitsAndBinds) {
   EXPECT_TRUE(statement.waits.empty());
   EXPECT_TRUE(statement.binds.empty());
   EXPECT_EQ(statement.exec_calls.size(), 1u);
-}
-
-TEST(CTraceParser, StreamFormsReadTheirSource) {
-  StringLineSource source({"PARSING IN CURSOR #1 len=9 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='a'\n",
-                           "select 1\n",
-                           "EXEC #1:c=0,e=1,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=4,tim=5\n"});
-  parser::CTraceParser trace;
-  trace.ParseStream(source, "orcl_ora_4242.trc", 77);
-  EXPECT_EQ(source.opened_name, "orcl_ora_4242.trc");
-  EXPECT_EQ(source.opened_offset, 77u);
-  EXPECT_EQ(source.closes, 1);
-  ASSERT_EQ(trace.ClosedStatements().size(), 1u);
-  EXPECT_EQ(trace.ClosedStatements().front()->exec_calls.size(), 1u);
-
-  StringLineSource batch(
-      {"PARSING IN CURSOR #1 len=0 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='a'\n",
-       "PARSING IN CURSOR #1 len=0 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='b'\n",
-       "PARSING IN CURSOR #1 len=0 dep=0 uid=5 oct=3 lid=5 tim=1 hv=1 ad='c'\n"});
-  parser::CTraceParser batches;
-  EXPECT_TRUE(batches.ParseStreamBatch(batch, "t.trc", 1, 0));
-  EXPECT_EQ(batches.ClosedStatements().size(), 1u);
-  EXPECT_FALSE(batches.ParseStreamBatch(batch, "t.trc", 3, 0));
-  EXPECT_EQ(batches.ClosedStatements().size(), 3u);
-  EXPECT_EQ(batch.opened_name, "");  // the caller opens and closes a batch stream
-  EXPECT_EQ(batch.closes, 0);
 }
 
 constexpr const char* kRaisedBy = "TraceParser|CTraceParser::Parse|";
