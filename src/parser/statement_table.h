@@ -65,8 +65,10 @@ class StatementTable {
   const StatementList& open() const { return open_; }
   // The closed list, for changes: the index by SQL text is built anew before its next use.
   StatementList& closed() {
-    closed_by_text_.clear();
-    closed_by_text_built_ = false;
+    if (closed_by_text_built_) {  // a parse that streams its statements asks for it every line
+      closed_by_text_.clear();
+      closed_by_text_built_ = false;
+    }
     return closed_;
   }
   const StatementList& closed() const { return closed_; }
