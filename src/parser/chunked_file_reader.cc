@@ -6,6 +6,8 @@
 #include <system_error>
 #include <utility>
 
+#include "parser/line_kind.h"
+
 namespace parser {
 
 namespace {
@@ -159,7 +161,11 @@ void ChunkedFileReader::MeasureBindBlocks(Chunk* chunk) {
     if (piece.scan < 0) continue;
     LineScan& scan = chunk->scans[static_cast<std::size_t>(piece.scan)];
     if (scan.kind != LineKind::kBinds) continue;
-    scan.block_lines = OlderBindBlockLength(&chunk->pieces[i] + 1, count - i - 1);
+    const Piece* const following = &chunk->pieces[i] + 1;
+    const std::size_t rest = count - i - 1;
+    scan.newer_block = rest > 0 && OpensNewerBindBlock(following[0].text());
+    scan.block_lines = scan.newer_block ? NewerBindBlockLength(following, rest, &scan.newer_form)
+                                        : OlderBindBlockLength(following, rest);
   }
 }
 

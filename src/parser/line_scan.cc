@@ -1,5 +1,6 @@
 #include "parser/line_scan.h"
 
+#include "parser/line_kind.h"
 #include "parser/line_text.h"
 #include "parser/piece_reader.h"
 #include "parser/record_scanners.h"
@@ -65,6 +66,26 @@ std::int32_t OlderBindBlockLength(const Piece* following, std::size_t count) {
     if (at < count && Contains(following[at].text(), "value")) {
       if (!takes(at)) return -1;
       ++at;
+    }
+  }
+  return -1;
+}
+
+// The steps of ReadNewerBinds when it keeps no binds: the block goes on up to the first line
+// that ends it, whatever the lines before it are, and a " Bind#n" among them (or the run-on
+// "  value= Bind#1") is what tells the parser the trace is in the newer layout. The lines that
+// end a block depend on the parser's state only where they start with an asterisk (the session
+// line) or with "WAIT #" when waits are skipped; the first case gives -1 here, the second is
+// left to the parser.
+std::int32_t NewerBindBlockLength(const Piece* following, std::size_t count, bool* names_bind) {
+  const DispatchState neutral{true, false, false};
+  *names_bind = false;
+  for (std::size_t at = 0; at < count; ++at) {
+    const std::string_view line = following[at].text();
+    if (following[at].asterisks || CharAt(line, 0) == '*') return -1;
+    if (EndsNewerBindBlock(line, neutral)) return static_cast<std::int32_t>(at);
+    if (!*names_bind && ClassifyNewerBindLine(line) == NewerBindLine::kPosition) {
+      *names_bind = true;
     }
   }
   return -1;

@@ -19,11 +19,13 @@ struct LineScan {
   // The scanner the line was read for: kParse, kExec, kFetch, kWait or kBinds.
   LineKind kind = LineKind::kIgnored;
   // A call line with a plan hash, or a WAIT line with named parameters and its own tim: both
-  // only written by Oracle 10g and later.
+  // only written by Oracle 10g and later. A BINDS line: its 10g+ block names a bind.
   bool newer_form = false;
+  // A BINDS line whose block is in the 10g+ layout (" Bind#0", or a blank line first).
+  bool newer_block = false;
   // A BINDS line: how many of the lines behind it its block takes, up to the line that ends it,
-  // when a parse that keeps no binds can step over them unread (see OlderBindBlockLength); -1
-  // when they must be read one by one.
+  // when a parse that keeps no binds can step over them unread (see OlderBindBlockLength and
+  // NewerBindBlockLength); -1 when they must be read one by one.
   std::int32_t block_lines = -1;
   union Fields {
     Fields() : call() {}
@@ -42,6 +44,10 @@ struct Piece;
 // without "bind"), which must be among the `count` pieces at `following`. -1 when it ends
 // behind them, goes on in the 10g+ layout, or takes a line that may be the size-limit line.
 std::int32_t OlderBindBlockLength(const Piece* following, std::size_t count);
+// The same for a block in the 10g+ layout, whose first line is at `following`; *names_bind
+// tells whether a line of it names a bind. -1 when the block ends behind the pieces or takes a
+// line that starts with an asterisk.
+std::int32_t NewerBindBlockLength(const Piece* following, std::size_t count, bool* names_bind);
 // "PARSE #", "EXEC #" or "FETCH #" for kParse, kExec and kFetch.
 std::string_view CallKeyword(LineKind kind);
 

@@ -300,11 +300,14 @@ void CTraceParser::ScanBinds(std::string_view line) {
   TraceStatement* statement = StatementForCursor(cursor);
   std::int32_t bind_set = 0;
   if (statement != nullptr) bind_set = statement->bind_set_count++;
-  if (summary_only_ && ahead != nullptr && ahead->block_lines >= 0) {
+  if (summary_only_ && ahead != nullptr && ahead->block_lines >= 0 &&
+      !(ahead->newer_block && skip_waits_)) {
     // Nothing of the block is kept: its lines are stepped over, and the one that ends it read.
     SkipPieces(static_cast<std::size_t>(ahead->block_lines));
+    if (ahead->newer_form) NoteNewerForm();
     std::string_view end;
     line_buffer_ = NextLine(&end) ? end : std::string_view();
+    hand_back_ = ahead->newer_block;  // as ReadNewerBinds hands back the line that ends it
     return;
   }
 

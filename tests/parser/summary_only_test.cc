@@ -110,20 +110,37 @@ TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
   }
 }
 
-// The report of a summary-only parse that reads `path` with `workers` (chunks of 512 bytes), or
-// the message it failed with.
-std::string ReportOrFailure(const std::string& path, unsigned workers) {
+// The aggregated document and the report of a summary-only parse that reads `path` with
+// `workers` (chunks of 512 bytes), or the message it failed with.
+std::string DocumentsOrFailure(const std::string& path, unsigned workers, std::uint8_t flags = 0) {
   parser::CTraceParser trace;
   trace.SetReadAhead({workers, 512, 0});
   trace.SetSummaryOnly(true);
   try {
-    trace.Parse(path, 0);
+    trace.ParseFrom(path, 0, flags);
   } catch (const exceptions::ExceptionBase& failure) {
     return failure.Message();
   }
-  std::ostringstream report;
-  parser::WriteTextReport(trace.ClosedStatements(), trace.MakeDocumentContext(), report);
-  return report.str();
+  std::ostringstream documents;
+  {
+    parser::OutputSink out(documents);
+    parser::WriteTkprofXml(trace.ClosedStatements(), trace.MakeDocumentContext(), out);
+  }
+  parser::WriteTextReport(trace.ClosedStatements(), trace.MakeDocumentContext(), documents);
+  return documents.str();
+}
+
+// `block` behind the BINDS line at `at` (or every seventh from there) of a trace that starts
+// with `head`, `usual_block` behind the others; the last lines, which the parser's own thread
+// reads, have none.
+std::string TraceOfBlocks(const std::string& head, const std::string& block,
+                          const std::string& usual_block, int at, bool repeated) {
+  std::string text = head + CursorBlock(1, "select 1 from dual");
+  for (int i = 0; i < 40; ++i) {
+    const bool here = i < 30 && (i == at || (repeated && i % 7 == at % 7));
+    text += "BINDS #1:\n" + (here ? block : usual_block);
+  }
+  return text;
 }
 
 // BINDS blocks that a summary-only parse steps over unread when the workers have measured them:
@@ -145,14 +162,69 @@ TEST(SummaryOnly, BindBlocksSteppedOverGiveTheSameReport) {
       "\n Bind#0\n  oacdty=02 mxl=22(22) mxlc=00 mal=00 scl=00 pre=00\n  value=7\n" + exec,
   };
   for (const std::string& block : blocks) {
-    std::string text = "Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n" +
-                       CursorBlock(1, "select 1 from dual");
-    // Here and there, at other places of the chunks; the last lines, which the parser's own
-    // thread reads, have none.
-    for (int i = 0; i < 40; ++i)
-      text += "BINDS #1:\n" + (i % 7 == 3 && i < 30 ? block : bind + exec);
-    const TempFile file(text);
-    EXPECT_EQ(ReportOrFailure(file.path(), 2), ReportOrFailure(file.path(), 0)) << block;
+    const TempFile file(
+        TraceOfBlocks("Oracle9i Enterprise Edition Release 9.2.0.4.0 - Production\n", block,
+                      bind + exec, 3, true));
+    EXPECT_EQ(DocumentsOrFailure(file.path(), 2), DocumentsOrFailure(file.path(), 0)) << block;
+  }
+}
+
+// The same for blocks in the 10g+ layout, whose end is handed back to the dispatcher: the first
+// line that is a record ends them, and a " Bind#" line in them tells a trace without banner and
+// plan hashes that it counts in microseconds.
+TEST(SummaryOnly, NewerBindBlocksSteppedOverGiveTheSameDocuments) {
+  const std::string bind =
+      " Bind#0\n"
+      "  oacdty=02 mxl=22(22) mxlc=00 mal=00 scl=00 pre=00\n"
+      "  oacflg=03 fl2=1000000 frm=01 csi=873 siz=24 off=0\n"
+      "  kxsbbbfp=7fe9c3cf3450  bln=22  avl=06  flg=05\n"
+      "  value=111242892\n";
+  const std::string wait =
+      "WAIT #1: nam='db file sequential read' ela= 1200 file#=4 block#=1234 blocks=1 obj#=75 "
+      "tim=900100\n";
+  const std::string stat =
+      "STAT #1 id=1 cnt=1 pid=0 pos=1 obj=0 op='FAST DUAL  (cr=0 pr=0 pw=0 time=1 us)'\n";
+  struct Layout {
+    std::string head;
+    std::string exec;
+    std::string usual_block;
+  };
+  const std::string newer_exec =
+      "EXEC #1:c=73000,e=90000,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,plh=0,tim=900000\n";
+  const std::string older_exec =
+      "EXEC #1:c=73000,e=90000,p=0,cr=0,cu=0,mis=0,r=0,dep=0,og=1,tim=900000\n";
+  const Layout layouts[] = {
+      {"Oracle Database 19c Enterprise Edition Release 19.0.0.0.0 - Production\n"
+       "Version 19.14.2.0.0\n",
+       newer_exec, "\n" + bind + newer_exec},
+      // Only the blocks below tell this trace's layout.
+      {"", older_exec, " bind 0: dty=2 mxl=22(22)\n   value=5\n" + older_exec},
+  };
+  for (const Layout& layout : layouts) {
+    const std::string& exec = layout.exec;
+    const std::string blocks[] = {
+        "\n" + bind + bind + exec,
+        bind + " Bind#1\n  No oacdef for this bind.\n" + exec,
+        bind + "  value=\"two\nlines\"\n" + wait + exec,  // the wait ends it, and is read
+        " Bind#0\n  value= Bind#1\n  value=5\n" + exec,   // 11.2.0.4's run-on value
+        "\n\n" + wait + exec,                             // no bind named
+        bind + "*** 2022-10-25T15:07:20.941104+02:00\n  value=5\n" + exec,
+        bind + "*** DUMP FILE SIZE IS LIMITED TO 5242880 BYTES ***\n" + exec,
+        bind + stat + exec,
+        bind + "=====================\n" + exec,
+    };
+    // One block at a time, at places that fall differently in the chunks: the first one the
+    // parser meets may be the one that tells the layout.
+    for (const std::string& block : blocks) {
+      for (const int at : {3, 8, 13}) {
+        const TempFile file(TraceOfBlocks(layout.head, block, layout.usual_block, at, false));
+        for (const std::uint8_t flags : {std::uint8_t{0}, parser::kSkipWaits}) {
+          EXPECT_EQ(DocumentsOrFailure(file.path(), 2, flags),
+                    DocumentsOrFailure(file.path(), 0, flags))
+              << layout.head << block << at << int{flags};
+        }
+      }
+    }
   }
 }
 
