@@ -32,7 +32,10 @@ class ChunkedFileReader : public PieceReader {
  public:
   struct Options {
     unsigned workers = 2;
-    std::size_t chunk_bytes = std::size_t{2} << 20;
+    // A chunk, its pieces and their scans stay within a processor's second-level cache while
+    // the worker fills them (with 2 MB chunks a 300 MB parse took 10 to 40% longer, and its time
+    // varied from run to run by as much).
+    std::size_t chunk_bytes = std::size_t{512} << 10;
   };
 
   // Starts reading the regular file `path` from byte `offset` (the caller has checked both).

@@ -110,8 +110,10 @@ namespace {
 
 // line.find("ela", from), without a library call for each 'e' of the event's name.
 std::size_t FindEla(std::string_view line, std::size_t from) {
-  for (std::size_t at = from; at + 3 <= line.size(); ++at) {
-    if (line[at] == 'e' && line[at + 1] == 'l' && line[at + 2] == 'a') return at;
+  const StrictFields text(line);
+  for (const char* at = text.Find('e', line.data() + from); text.end() - at >= 3;
+       at = text.Find('e', at + 1)) {
+    if (at[1] == 'l' && at[2] == 'a') return static_cast<std::size_t>(at - line.data());
   }
   return std::string_view::npos;
 }

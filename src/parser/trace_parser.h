@@ -108,7 +108,7 @@ class CTraceParser {
   // the same either way. By default one worker per processor (at most four), none on one.
   struct ReadAhead {
     unsigned workers = DefaultWorkers();
-    std::size_t chunk_bytes = std::size_t{2} << 20;
+    std::size_t chunk_bytes = std::size_t{512} << 10;
     std::uint64_t min_bytes = std::uint64_t{8} << 20;
     static unsigned DefaultWorkers();
   };

@@ -44,6 +44,10 @@ const char* const kCallLines[] = {
     "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=12 and more\n",
     "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=-12\n",
     "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4\n",
+    // Long numbers that end less than a word before the line does.
+    "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=1234567890123456789\n",
+    "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=12345678901234567890\n",
+    "FETCH #3:c=0,e=1,p=0,cr=4,cu=0,mis=0,r=1,dep=0,og=4,tim=123456789012345678\n",
     "",
 };
 
