@@ -22,20 +22,24 @@ void WriteDocuments(parser::CTraceParser& parser, const std::string& file_name,
 
 }  // namespace
 
-// The call document alone, unsorted and unmerged, is written while the trace is read, so that a
-// trace of any size parses in flat memory. Its file takes its name only once it is complete.
+// The call document, unsorted and unmerged, is written while the trace is read, so that a trace
+// of any size parses in flat memory; its file takes its name only once it is complete. When the
+// aggregated document follows, the statements written stay behind in their summary form.
 void CPelicor::StreamCallDocument(parser::CTraceParser& parser, const std::string& file_name,
-                                  const ParseStep& parse) {
+                                  std::uint16_t xmlType, const ParseStep& parse) {
   const std::string path = parser::CallXmlPath(file_name, parser.OutputDirectory());
   parser::OutputSink sink;
   parser::StreamedCallDocument document(
-      parser, sink, [&path](parser::OutputSink& out) { return out.OpenFile(path); });
+      parser, sink, [&path](parser::OutputSink& out) { return out.OpenFile(path); },
+      xmlType == kBothXml ? parser::StreamedCallDocument::Written::kKeptAsSummaries
+                          : parser::StreamedCallDocument::Written::kDropped);
   parse(parser);
   if (document.Finish()) {
     parser::FinishDocument(sink, path, "CreateXML");
   } else {
     parser.CreateXML(file_name);  // no file could be made: the usual way says so
   }
+  if (xmlType == kBothXml) parser.CreateTkprofXML(file_name);
 }
 
 void CPelicor::ParseWholeTrace(const std::string& file_name, std::uint16_t isAggregated,
@@ -45,8 +49,8 @@ void CPelicor::ParseWholeTrace(const std::string& file_name, std::uint16_t isAgg
   // A name without ".trc" ends the call here, before anything is read or written.
   *outputXML = XmlFileName(file_name);
   parser.SetOutputDirectory(working_dir_);
-  if (xmlType == kCallXml && !sort_options_ && isAggregated == 0) {
-    StreamCallDocument(parser, file_name, parse);
+  if ((xmlType == kCallXml || xmlType == kBothXml) && !sort_options_ && isAggregated == 0) {
+    StreamCallDocument(parser, file_name, xmlType, parse);
     return;
   }
   // The aggregated document alone reads no call, bind or wait record: keep none.

@@ -192,7 +192,7 @@ class CPelicor {
   void ParseWholeTrace(const std::string& file_name, std::uint16_t isAggregated,
                        std::uint16_t xmlType, std::string* outputXML, const ParseStep& parse);
   void StreamCallDocument(parser::CTraceParser& parser, const std::string& file_name,
-                          const ParseStep& parse);
+                          std::uint16_t xmlType, const ParseStep& parse);
   std::unique_ptr<transport::CNfsManager> MakeShareManager() const;
   // Gives a new manager the stored record and the working directory, and logs it on.
   void ConnectFtp(transport::CFtpManager& manager) const;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "parser/call_xml_writer.h"
+#include "parser/statement_summary.h"
 
 namespace parser {
 
@@ -14,8 +15,9 @@ constexpr std::size_t kMaxWaiting = 256;
 
 }  // namespace
 
-StreamedCallDocument::StreamedCallDocument(CTraceParser& parser, OutputSink& sink, Open open)
-    : parser_(parser), sink_(sink), open_(std::move(open)) {
+StreamedCallDocument::StreamedCallDocument(CTraceParser& parser, OutputSink& sink, Open open,
+                                           Written written)
+    : parser_(parser), sink_(sink), open_(std::move(open)), written_(written) {
   parser_.SetClosedStatementHandler(
       [this](std::unique_ptr<TraceStatement>& statement) { return Take(statement); });
 }
@@ -61,6 +63,10 @@ void StreamedCallDocument::Write() {
     lock.unlock();
     try {
       if (!skip) WriteCallXmlStatement(sink_, *next, context_);
+      if (!skip && written_ == Written::kKeptAsSummaries) {
+        KeepSummaryOnly(*next);
+        kept_.push_back(std::move(next));
+      }
       next.reset();
     } catch (...) {
       lock.lock();
@@ -94,10 +100,10 @@ bool StreamedCallDocument::Finish() {
   }
   StopWriting();
   if (failure_) std::rethrow_exception(failure_);
-  for (const auto& statement : parser_.ClosedStatements()) {
-    WriteCallXmlStatement(sink_, *statement, context_);
-  }
+  StatementList& closed = parser_.ClosedStatements();
+  for (const auto& statement : closed) WriteCallXmlStatement(sink_, *statement, context_);
   WriteCallXmlEnd(sink_);
+  closed.splice(closed.begin(), kept_);
   return true;
 }
 

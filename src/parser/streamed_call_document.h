@@ -11,6 +11,10 @@
 // answers false, and the caller writes the document its usual way after the parse, meeting the
 // same failure in the same order (after any failure of the parse itself). Not for sorted or
 // merged documents.
+//
+// When the aggregated document is to follow, the statements written are kept, reduced to what a
+// summary-only parse keeps (KeepSummaryOnly), and Finish() puts them back in front of the
+// statements the parser still holds, in their order: memory stays flat for both documents.
 #ifndef PELICOR_PARSER_STREAMED_CALL_DOCUMENT_H_
 #define PELICOR_PARSER_STREAMED_CALL_DOCUMENT_H_
 
@@ -32,8 +36,11 @@ class StreamedCallDocument {
  public:
   using Open = std::function<bool(OutputSink& sink)>;
 
+  enum class Written { kDropped, kKeptAsSummaries };
+
   // Hands `parser`'s closed statements to `sink` from now on; both must outlive this object.
-  StreamedCallDocument(CTraceParser& parser, OutputSink& sink, Open open);
+  StreamedCallDocument(CTraceParser& parser, OutputSink& sink, Open open,
+                       Written written = Written::kDropped);
   // The parser keeps its statements again; statements still waiting are dropped.
   ~StreamedCallDocument();
   StreamedCallDocument(const StreamedCallDocument&) = delete;
@@ -54,6 +61,8 @@ class StreamedCallDocument {
   CTraceParser& parser_;
   OutputSink& sink_;
   Open open_;
+  const Written written_;
+  StatementList kept_;  // by the writing thread, until Finish() has stopped it
   DocumentContext context_;
   bool started_ = false;
   bool declined_ = false;

@@ -12,6 +12,7 @@
 #include "parser/aggregated_xml_writer.h"
 #include "parser/call_xml_writer.h"
 #include "parser/output_sink.h"
+#include "parser/streamed_call_document.h"
 #include "parser/text_report.h"
 #include "parser/trace_parser.h"
 #include "parser_fixture.h"
@@ -288,6 +289,60 @@ TEST(StreamedCalls, StatementsHandedOverWhileReadingGiveTheWholeDocument) {
         EXPECT_GT(handed_over, 80u);  // of about 100 to 200 statements
       }
     }
+  }
+}
+
+// The aggregated document and the report of a parse's closed statements.
+std::string AggregatedDocuments(parser::CTraceParser& trace) {
+  std::ostringstream documents;
+  {
+    parser::OutputSink out(documents);
+    parser::WriteTkprofXml(trace.ClosedStatements(), trace.MakeDocumentContext(), out);
+  }
+  parser::WriteTextReport(trace.ClosedStatements(), trace.MakeDocumentContext(), documents);
+  return documents.str();
+}
+
+// Both kinds of document from one parse, as ParseFile writes them for xmlType 2: the call
+// document first, then the aggregated one. Written while the trace is read, the statements stay
+// behind in their summary form, and give what the whole statements give after the parse.
+TEST(StreamedCalls, StatementsKeptAsSummariesGiveTheAggregatedDocumentToo) {
+  for (const auto format : {tracegen::TraceFormat::kOracle9i, tracegen::TraceFormat::kOracle19c}) {
+    SCOPED_TRACE(static_cast<int>(format));
+    tracegen::GeneratorOptions options;
+    options.format = format;
+    options.target_bytes = 2 << 20;
+    options.process_line_every = 40;
+    const TempFile file("");
+    ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, nullptr));
+
+    parser::CTraceParser whole;
+    whole.SetReadAhead(Workers(0));
+    whole.ParseFrom(file.path(), 0, 0);
+    std::ostringstream whole_calls;
+    {
+      parser::OutputSink out(whole_calls);
+      parser::WriteCallXml(whole.ClosedStatements(), whole.MakeDocumentContext(), out);
+    }
+
+    parser::CTraceParser streamed;
+    streamed.SetReadAhead(Workers(2));
+    std::ostringstream streamed_calls;
+    parser::OutputSink out(streamed_calls);
+    parser::StreamedCallDocument document(
+        streamed, out, [](parser::OutputSink&) { return true; },
+        parser::StreamedCallDocument::Written::kKeptAsSummaries);
+    streamed.ParseFrom(file.path(), 0, 0);
+    ASSERT_TRUE(document.Finish());
+    out.Close();
+    EXPECT_EQ(streamed_calls.str(), whole_calls.str());
+    EXPECT_EQ(streamed.ClosedStatements().size(), whole.ClosedStatements().size());
+    std::size_t summaries = 0;
+    for (const auto& statement : streamed.ClosedStatements()) {
+      summaries += statement->waits.empty() && statement->wait_count > 0;
+    }
+    EXPECT_GT(summaries, 40u);
+    EXPECT_EQ(AggregatedDocuments(streamed), AggregatedDocuments(whole));
   }
 }
 
