@@ -117,9 +117,6 @@ class StrictFields {
     while (from < end_ && *from != c) ++from;
     return from;
   }
-  const char* at() const {
-    return at_;
-  }
   const char* end() const {
     return end_;
   }
