@@ -68,6 +68,17 @@ std::uint64_t Checksum(const std::string& bytes) {
   return hash;
 }
 
+// A generated trace of about 2 MB in `file`, with a new trace section (which closes every
+// statement) after every `section_statements` statements.
+bool WriteGeneratedTrace(const TempFile& file, tracegen::TraceFormat format,
+                         int section_statements) {
+  tracegen::GeneratorOptions options;
+  options.format = format;
+  options.target_bytes = 2 << 20;
+  options.process_line_every = section_statements;
+  return tracegen::WriteTraceFile(file.path(), options, nullptr);
+}
+
 TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
   struct Case {
     tracegen::TraceFormat format;
@@ -91,12 +102,8 @@ TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
   for (const Case& test : cases) {
     SCOPED_TRACE(std::to_string(static_cast<int>(test.format)) + " merge " +
                  std::to_string(test.merge) + " sort " + std::to_string(test.sort));
-    tracegen::GeneratorOptions options;
-    options.format = test.format;
-    options.target_bytes = 2 << 20;
-    options.process_line_every = 500;
     const TempFile file("");
-    ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, nullptr));
+    ASSERT_TRUE(WriteGeneratedTrace(file, test.format, 500));
     const parser::SortOptions* sort_options = test.sort ? &sort : nullptr;
     const Documents full = Write(file.path(), false, sort_options, test.merge);
     for (const unsigned workers : {0u, 2u}) {
@@ -111,6 +118,17 @@ TEST(SummaryOnly, GeneratedTracesGiveTheDocumentsOfTheFullParse) {
   }
 }
 
+// The aggregated document and the report of a parse's closed statements.
+std::string AggregatedDocuments(parser::CTraceParser& trace) {
+  std::ostringstream documents;
+  {
+    parser::OutputSink out(documents);
+    parser::WriteTkprofXml(trace.ClosedStatements(), trace.MakeDocumentContext(), out);
+  }
+  parser::WriteTextReport(trace.ClosedStatements(), trace.MakeDocumentContext(), documents);
+  return documents.str();
+}
+
 // The aggregated document and the report of a summary-only parse that reads `path` with
 // `workers` (chunks of 512 bytes), or the message it failed with.
 std::string DocumentsOrFailure(const std::string& path, unsigned workers, std::uint8_t flags = 0) {
@@ -122,13 +140,7 @@ std::string DocumentsOrFailure(const std::string& path, unsigned workers, std::u
   } catch (const exceptions::ExceptionBase& failure) {
     return failure.Message();
   }
-  std::ostringstream documents;
-  {
-    parser::OutputSink out(documents);
-    parser::WriteTkprofXml(trace.ClosedStatements(), trace.MakeDocumentContext(), out);
-  }
-  parser::WriteTextReport(trace.ClosedStatements(), trace.MakeDocumentContext(), documents);
-  return documents.str();
+  return AggregatedDocuments(trace);
 }
 
 // `block` behind the BINDS line at `at` (or every seventh from there) of a trace that starts
@@ -275,12 +287,8 @@ TEST(StreamedCalls, StatementsHandedOverWhileReadingGiveTheWholeDocument) {
   for (const auto format : {tracegen::TraceFormat::kOracle9i, tracegen::TraceFormat::kOracle19c}) {
     for (const int flags : {0, parser::kSkipWaits | parser::kTopLevelOnly}) {
       SCOPED_TRACE(std::to_string(static_cast<int>(format)) + " flags " + std::to_string(flags));
-      tracegen::GeneratorOptions options;
-      options.format = format;
-      options.target_bytes = 2 << 20;
-      options.process_line_every = 40;
       const TempFile file("");
-      ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, nullptr));
+      ASSERT_TRUE(WriteGeneratedTrace(file, format, 40));
       const auto bits = static_cast<std::uint8_t>(flags);
       const std::string whole = WholeCallDocument(file.path(), bits);
       for (const unsigned workers : {0u, 3u}) {
@@ -292,29 +300,14 @@ TEST(StreamedCalls, StatementsHandedOverWhileReadingGiveTheWholeDocument) {
   }
 }
 
-// The aggregated document and the report of a parse's closed statements.
-std::string AggregatedDocuments(parser::CTraceParser& trace) {
-  std::ostringstream documents;
-  {
-    parser::OutputSink out(documents);
-    parser::WriteTkprofXml(trace.ClosedStatements(), trace.MakeDocumentContext(), out);
-  }
-  parser::WriteTextReport(trace.ClosedStatements(), trace.MakeDocumentContext(), documents);
-  return documents.str();
-}
-
 // Both kinds of document from one parse, as ParseFile writes them for xmlType 2: the call
 // document first, then the aggregated one. Written while the trace is read, the statements stay
 // behind in their summary form, and give what the whole statements give after the parse.
 TEST(StreamedCalls, StatementsKeptAsSummariesGiveTheAggregatedDocumentToo) {
   for (const auto format : {tracegen::TraceFormat::kOracle9i, tracegen::TraceFormat::kOracle19c}) {
     SCOPED_TRACE(static_cast<int>(format));
-    tracegen::GeneratorOptions options;
-    options.format = format;
-    options.target_bytes = 2 << 20;
-    options.process_line_every = 40;
     const TempFile file("");
-    ASSERT_TRUE(tracegen::WriteTraceFile(file.path(), options, nullptr));
+    ASSERT_TRUE(WriteGeneratedTrace(file, format, 40));
 
     parser::CTraceParser whole;
     whole.SetReadAhead(Workers(0));
